@@ -1,0 +1,13 @@
+// Everything YXTools exports.
+#ifndef YXTOOLS_YXTOOLS_H
+#define YXTOOLS_YXTOOLS_H
+
+#include "yxtools/config.h"
+#include "yxtools/version.h"
+#include "yxtools/ss.h"
+#include "yxtools/frame.h"
+#include "yxtools/errorslog.h"
+#include "yxtools/logfile.h"
+#include "yxtools/nameprovider.h"
+
+#endif

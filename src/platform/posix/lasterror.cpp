@@ -1,0 +1,15 @@
+#include "platform/win32.h"
+
+namespace {
+thread_local DWORD t_dwLastError = ERROR_SUCCESS;
+}
+
+DWORD GetLastError()
+{
+    return t_dwLastError;
+}
+
+void SetLastError(DWORD dwErrCode)
+{
+    t_dwLastError = dwErrCode;
+}

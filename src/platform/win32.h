@@ -1,0 +1,23 @@
+// The one place that decides where the Win32 API and its runtime library come from.
+//
+// On Windows this is <windows.h> and the C runtime. Everywhere else it is our stand-in in
+// platform/posix/, which declares the same names, types and constants with Win32's semantics,
+// for exactly the calls that the library makes. Library code includes this header and calls
+// Win32 by its own names.
+#ifndef YXTOOLS_PLATFORM_WIN32_H
+#define YXTOOLS_PLATFORM_WIN32_H
+
+#if defined(_WIN32)
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+#include <cstdio>
+#else
+#include "platform/posix/win32_posix.h"
+#endif
+
+#endif
