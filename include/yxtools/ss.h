@@ -31,7 +31,7 @@ public:
     }
     _SS(const T* p, size_type n) : Base(p, n) {}
     _SS(size_type n, T c) : Base(n, c) {}
-    _SS(const Base& s) : Base(s) {} // NOLINT(google-explicit-constructor)
+    _SS(const Base& s) : Base(s) {}                // NOLINT(google-explicit-constructor)
     _SS(Base&& s) noexcept : Base(std::move(s)) {} // NOLINT(google-explicit-constructor)
     _SS(const _SS&) = default;
     _SS(_SS&&) noexcept = default;

@@ -38,8 +38,7 @@ void CopyOut(const YXErrorLogEntry& entry, _SS<char>& source, _SS<char>& descrip
 
 YXErrorLogEntry::YXErrorLogEntry(const _SS<char>& source, const _SS<char>& description, unsigned long flags)
     : m_strSource(source), m_strDescription(description), m_dwFlags(NormaliseFlags(flags))
-{
-}
+{}
 
 YXErrorLogEntry::YXErrorLogEntry(const YXErrorLogEntry& other) = default;
 YXErrorLogEntry& YXErrorLogEntry::operator=(const YXErrorLogEntry& other) = default;
@@ -64,8 +63,7 @@ unsigned long YXErrorLogEntry::GetFlags() const
 
 YXErrorsLogManager::YXErrorsLogManager(unsigned long maxEntries)
     : m_dwMaxEntries(static_cast<std::uint32_t>(maxEntries)), m_pfnOnChange(nullptr)
-{
-}
+{}
 
 YXErrorsLogManager::YXErrorsLogManager(const YXErrorsLogManager& other) = default;
 
@@ -222,8 +220,7 @@ unsigned long YXErrorsLog_GetCount(YXErrorsLogManager* pManager)
     return LogOf(pManager).GetCount();
 }
 
-bool YXErrorsLog_GetLast(_SS<char>& source, _SS<char>& description, unsigned long* pFlags,
-                         YXErrorsLogManager* pManager)
+bool YXErrorsLog_GetLast(_SS<char>& source, _SS<char>& description, unsigned long* pFlags, YXErrorsLogManager* pManager)
 {
     const YXErrorLogEntry* entry = LogOf(pManager).GetLast();
     if (entry == nullptr) {

@@ -42,8 +42,19 @@ TEST_F(ErrorsLog, FlagsKeepOnlyTheLowestKindBit)
         unsigned long given;
         unsigned long stored;
     } cases[] = {
-        {0, 0}, {1, 1}, {2, 2}, {3, 1}, {4, 4}, {5, 1}, {6, 2}, {7, 1},
-        {8, 8}, {15, 9}, {0xFFFFFFF8, 0xFFFFFFF8}, {0xFFFFFFFF, 0xFFFFFFF9}, {0x80000006, 0x80000002},
+        {0, 0},
+        {1, 1},
+        {2, 2},
+        {3, 1},
+        {4, 4},
+        {5, 1},
+        {6, 2},
+        {7, 1},
+        {8, 8},
+        {15, 9},
+        {0xFFFFFFF8, 0xFFFFFFF8},
+        {0xFFFFFFFF, 0xFFFFFFF9},
+        {0x80000006, 0x80000002},
     };
     for (const auto& c : cases) {
         const YXErrorLogEntry entry("s", "d", c.given);
@@ -81,10 +92,10 @@ TEST_F(ErrorsLog, OnlyARepeatOfTheNewestIsDropped)
     EXPECT_FALSE(log.Add("a", "b", 2)); // flags play no part
     EXPECT_EQ(log.GetCount(), 1u);
     EXPECT_EQ(log.GetLast()->GetFlags(), 1u);
-    EXPECT_TRUE(log.Add("a", "c", 0));  // other description
-    EXPECT_TRUE(log.Add("x", "c", 0));  // other source
-    EXPECT_TRUE(log.Add("a", "b", 0));  // A, B, A: only the newest is compared
-    EXPECT_TRUE(log.Add("A", "b", 0));  // case counts
+    EXPECT_TRUE(log.Add("a", "c", 0)); // other description
+    EXPECT_TRUE(log.Add("x", "c", 0)); // other source
+    EXPECT_TRUE(log.Add("a", "b", 0)); // A, B, A: only the newest is compared
+    EXPECT_TRUE(log.Add("A", "b", 0)); // case counts
     EXPECT_EQ(log.GetCount(), 5u);
     EXPECT_EQ(g_counts, (std::vector<unsigned long>{1, 2, 3, 4, 5}));
 }

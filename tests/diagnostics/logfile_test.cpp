@@ -11,13 +11,25 @@ class MemoryLogFile : public YXLogFile {
 public:
     explicit MemoryLogFile(bool* destroyed) : m_destroyed(destroyed) {}
     ~MemoryLogFile() override { *m_destroyed = true; }
-    bool Open(const _SS<char>& path) override { m_path = path; return m_open = true; }
+    bool Open(const _SS<char>& path) override
+    {
+        m_path = path;
+        return m_open = true;
+    }
     void Close() override { m_open = false; }
     bool IsOpen() const override { return m_open; }
-    bool Write(const _SS<char>& text) override { m_text += text; return m_open; }
+    bool Write(const _SS<char>& text) override
+    {
+        m_text += text;
+        return m_open;
+    }
     bool WriteLine(const _SS<char>& text) override { return Write(text) && Write("\n"); }
     bool Flush() override { return m_open; }
-    bool Clear() override { m_text.clear(); return m_open; }
+    bool Clear() override
+    {
+        m_text.clear();
+        return m_open;
+    }
     const _SS<char>& GetPath() const override { return m_path; }
     long GetSize() const override { return m_open ? static_cast<long>(m_text.size()) : -1; }
 

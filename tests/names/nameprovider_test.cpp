@@ -18,7 +18,11 @@ public:
     }
     StringProvider(const StringProvider&) = delete;
     StringProvider& operator=(const StringProvider&) = delete;
-    bool GetName(const _SS<char>& key, _SS<char>& name) override { name = key; return true; }
+    bool GetName(const _SS<char>& key, _SS<char>& name) override
+    {
+        name = key;
+        return true;
+    }
     bool HasName(const _SS<char>& /*key*/) override { return true; }
 
 private:
@@ -27,8 +31,16 @@ private:
 
 class IdProvider : public YXNameProviderByID {
 public:
-    bool GetName(unsigned long id, _SS<char>& name) override { name = std::to_string(id).c_str(); return true; }
-    bool GetID(const _SS<char>& /*name*/, unsigned long& id) override { id = 0; return false; }
+    bool GetName(unsigned long id, _SS<char>& name) override
+    {
+        name = std::to_string(id).c_str();
+        return true;
+    }
+    bool GetID(const _SS<char>& /*name*/, unsigned long& id) override
+    {
+        id = 0;
+        return false;
+    }
 };
 
 // Each test starts from empty registries.
@@ -76,8 +88,8 @@ TEST_F(Registries, KeysMatchExactlyTheRegisteredBytes)
     EXPECT_EQ(YXNameProvider_GetProviderByString("abc"), &lower);
     EXPECT_EQ(YXNameProvider_GetProviderByString(""), &empty);
     EXPECT_EQ(YXNameProvider_GetProviderByString(std::string("ab\0c", 4)), &withNul);
-    EXPECT_EQ(YXNameProvider_GetProviderByString("ab"), nullptr);    // a prefix of a key
-    EXPECT_EQ(YXNameProvider_GetProviderByString("abcd"), nullptr);  // a key is a prefix of it
+    EXPECT_EQ(YXNameProvider_GetProviderByString("ab"), nullptr);   // a prefix of a key
+    EXPECT_EQ(YXNameProvider_GetProviderByString("abcd"), nullptr); // a key is a prefix of it
     EXPECT_EQ(YXNameProvider_GetProviderByString("ABC"), nullptr);
 }
 

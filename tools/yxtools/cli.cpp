@@ -18,11 +18,21 @@ void Escape(std::string& out, const std::string& text)
     out += '"';
     for (const unsigned char c : text) {
         switch (c) {
-        case '"': out += "\\\""; break;
-        case '\\': out += "\\\\"; break;
-        case '\n': out += "\\n"; break;
-        case '\r': out += "\\r"; break;
-        case '\t': out += "\\t"; break;
+        case '"':
+            out += "\\\"";
+            break;
+        case '\\':
+            out += "\\\\";
+            break;
+        case '\n':
+            out += "\\n";
+            break;
+        case '\r':
+            out += "\\r";
+            break;
+        case '\t':
+            out += "\\t";
+            break;
         default:
             if (c < 0x20) {
                 char buffer[8];
@@ -56,6 +66,12 @@ Json& Json::Push(Json value)
 
 Json& Json::Set(const std::string& key, Json value)
 {
+    Child(key, std::move(value));
+    return *this;
+}
+
+Json& Json::Child(const std::string& key, Json value)
+{
     for (auto& member : m_members) {
         if (member.first == key) {
             member.second = std::move(value);
@@ -70,10 +86,15 @@ std::string Json::Dump() const
 {
     std::string out;
     switch (m_kind) {
-    case Kind::Null: return "null";
-    case Kind::Bool: return m_bool ? "true" : "false";
-    case Kind::Number: return m_text;
-    case Kind::String: Escape(out, m_text); return out;
+    case Kind::Null:
+        return "null";
+    case Kind::Bool:
+        return m_bool ? "true" : "false";
+    case Kind::Number:
+        return m_text;
+    case Kind::String:
+        Escape(out, m_text);
+        return out;
     case Kind::Array:
         out += '[';
         for (std::size_t i = 0; i < m_items.size(); ++i) {

@@ -17,24 +17,36 @@ public:
     enum class Kind { Null, Bool, Number, String, Array, Object };
 
     Json() = default;
-    Json(bool b) : m_kind(Kind::Bool), m_bool(b) {}                             // NOLINT
-    Json(long long n) : m_kind(Kind::Number), m_text(std::to_string(n)) {}      // NOLINT
+    Json(bool b) : m_kind(Kind::Bool), m_bool(b) {}                                 // NOLINT
+    Json(long long n) : m_kind(Kind::Number), m_text(std::to_string(n)) {}          // NOLINT
     Json(unsigned long long n) : m_kind(Kind::Number), m_text(std::to_string(n)) {} // NOLINT
-    Json(int n) : Json(static_cast<long long>(n)) {}                            // NOLINT
-    Json(long n) : Json(static_cast<long long>(n)) {}                           // NOLINT
-    Json(unsigned long n) : Json(static_cast<unsigned long long>(n)) {}         // NOLINT
-    Json(unsigned n) : Json(static_cast<unsigned long long>(n)) {}              // NOLINT
-    Json(double d);                                                              // NOLINT
-    Json(const char* s) : m_kind(Kind::String), m_text(s) {}                    // NOLINT
-    Json(std::string s) : m_kind(Kind::String), m_text(std::move(s)) {}         // NOLINT
+    Json(int n) : Json(static_cast<long long>(n)) {}                                // NOLINT
+    Json(long n) : Json(static_cast<long long>(n)) {}                               // NOLINT
+    Json(unsigned long n) : Json(static_cast<unsigned long long>(n)) {}             // NOLINT
+    Json(unsigned n) : Json(static_cast<unsigned long long>(n)) {}                  // NOLINT
+    Json(double d);                                                                 // NOLINT
+    Json(const char* s) : m_kind(Kind::String), m_text(s) {}                        // NOLINT
+    Json(std::string s) : m_kind(Kind::String), m_text(std::move(s)) {}             // NOLINT
 
-    static Json Array() { Json j; j.m_kind = Kind::Array; return j; }
-    static Json Object() { Json j; j.m_kind = Kind::Object; return j; }
+    static Json Array()
+    {
+        Json j;
+        j.m_kind = Kind::Array;
+        return j;
+    }
+    static Json Object()
+    {
+        Json j;
+        j.m_kind = Kind::Object;
+        return j;
+    }
 
     // Appends to an array.
     Json& Push(Json value);
-    // Sets a member of an object.
+    // Sets a member of an object; returns the object, for chaining.
     Json& Set(const std::string& key, Json value);
+    // Sets a member of an object; returns the member, to fill it.
+    Json& Child(const std::string& key, Json value);
 
     std::string Dump() const;
 

@@ -37,7 +37,7 @@ public:
 int RunDemo(cli::Context& context, const cli::Args& /*args*/)
 {
     g_context = &context;
-    g_steps = &context.result.Set("steps", cli::Json::Array());
+    g_steps = &context.result.Child("steps", cli::Json::Array());
 
     Step("1. The library is loaded: its load hook ran the initialisation sequence.");
     Step("   Default error log: " + std::to_string(YXErrorsLog_GetCount(nullptr)) + " entries, maximum 5.");

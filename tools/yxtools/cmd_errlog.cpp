@@ -47,7 +47,7 @@ const cli::Registration registration(kCommand);
 
 int RunErrlog(cli::Context& context, const cli::Args& args)
 {
-    cli::Json& steps = context.result.Set("steps", cli::Json::Array());
+    cli::Json& steps = context.result.Child("steps", cli::Json::Array());
     g_context = &context;
     g_steps = &steps;
     YXErrorsLog_SetOnChangeProc(OnChange, nullptr);

@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# Checks formatting with clang-format; with --tidy also runs clang-tidy over the library and the
+# command-line host (needs a configured build/posix for its compile database).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+mapfile -t files < <(git ls-files '*.cpp' '*.h' | grep -v '^tests/install/host/')
+clang-format --dry-run --Werror "${files[@]}"
+echo "clang-format: ${#files[@]} files clean"
+if [[ "${1:-}" == "--tidy" ]]; then
+  mapfile -t sources < <(git ls-files 'src/*.cpp' 'tools/*.cpp')
+  clang-tidy -p build/posix --quiet "${sources[@]}"
+  echo "clang-tidy: ${#sources[@]} files clean"
+fi
