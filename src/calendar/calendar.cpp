@@ -1,4 +1,7 @@
+#include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 
@@ -22,9 +25,19 @@ bool IsLeapYear(std::int32_t year)
     return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
 }
 
-std::int32_t MonthLength(std::int32_t year, std::int32_t month)
+// Days of a common year before each month, made from the table above; index 13 is the whole year.
+constexpr auto kDaysBefore = [] {
+    std::array<std::int32_t, 14> days{};
+    for (std::size_t m = 2; m < days.size(); ++m) {
+        days[m] = days[m - 1] + kMonthDays[m - 1];
+    }
+    return days;
+}();
+
+// Days of a year before a month (0 to 13), with the leap day when the year has one.
+std::int32_t DaysBefore(std::int32_t month, bool leapYear)
 {
-    return month == 2 && IsLeapYear(year) ? 29 : kMonthDays[month];
+    return kDaysBefore[static_cast<std::size_t>(month)] + static_cast<std::int32_t>(leapYear & (month > 2));
 }
 
 // Division rounding toward minus infinity, for a positive divisor.
@@ -40,11 +53,10 @@ std::int32_t DayNumber(std::int16_t year, unsigned month, unsigned day)
 {
     const std::int32_t before = std::int32_t{year} - 1; // whole years before this one
     std::int32_t days = 365 * before + FloorDiv(before, 4) - FloorDiv(before, 100) + FloorDiv(before, 400);
-    // A month beyond 12 is no valid input; the walk stops at December so that it never reads past
-    // the table, which makes month 13 the January after. Month 0 counts as January.
-    for (std::int32_t m = 1; m < static_cast<std::int32_t>(month) && m <= 12; ++m) {
-        days += MonthLength(year, m);
-    }
+    // A month beyond 12 is no valid input; the months added stop at December so that nothing is
+    // read past the table, which makes any month beyond 12 the January after. Month 0 counts as
+    // January.
+    days += DaysBefore(month > 13 ? 13 : static_cast<std::int32_t>(month), IsLeapYear(year));
     return days + static_cast<std::int32_t>(day) + kFirstDayOfYearOne - 1;
 }
 
@@ -73,24 +85,28 @@ DISKDATE DateOf(std::int32_t dayNumber)
             const std::int32_t blocks = rest / kDaysIn4Years;
             year += 4 * blocks;
             rest -= blocks * kDaysIn4Years;
-            for (int i = 0; i < 3 && rest > 365; ++i) {
-                year += 1;
-                rest -= 365;
-            }
+            // Whole years of 365 days while more than 365 days are left, at most three: day 366
+            // of a block's year stays, and becomes the first day of the next year below.
+            const std::int32_t years = std::min((rest - 1) / 365, 3);
+            year += years;
+            rest -= 365 * years;
             year += 1;
             dayOfYear = rest + 1;
         }
     }
-    std::int32_t month = 1;
-    while (month <= 12 && dayOfYear > MonthLength(year, month)) {
-        dayOfYear -= MonthLength(year, month);
-        ++month;
-    }
+    const bool leapYear = IsLeapYear(year);
+    // No month has more than 32 days, so this is the month or the one before it (or December
+    // for day 366 of a common year, which runs past it).
+    std::int32_t month = (dayOfYear - 1) / 32 + 1;
+    month += dayOfYear > DaysBefore(month + 1, leapYear) ? 1 : 0;
     if (month > 12) {
         // Day 366 of a common year: the first day of a block of 100 or 4 years, or of a year in a
         // block of 4, comes out of the walk above this way.
         year += 1;
         month = 1;
+        dayOfYear = 1;
+    } else {
+        dayOfYear -= DaysBefore(month, leapYear);
     }
     DISKDATE date{};
     date.m_nYear = static_cast<short>(static_cast<std::uint16_t>(year));
