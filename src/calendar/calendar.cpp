@@ -86,7 +86,8 @@ DISKDATE DateOf(std::int32_t dayNumber)
             year += 4 * blocks;
             rest -= blocks * kDaysIn4Years;
             // Whole years of 365 days while more than 365 days are left, at most three: day 366
-            // of a block's year stays, and becomes the first day of the next year below.
+            // of a block's year stays, and becomes the first day of the next year below. A rest of 0
+            // gives no year.
             const std::int32_t years = std::min((rest - 1) / 365, 3);
             year += years;
             rest -= 365 * years;
@@ -101,7 +102,7 @@ DISKDATE DateOf(std::int32_t dayNumber)
     month += dayOfYear > DaysBefore(month + 1, leapYear) ? 1 : 0;
     if (month > 12) {
         // Day 366 of a common year: the first day of a block of 100 or 4 years, or of a year in a
-        // block of 4, comes out of the walk above this way.
+        // block of 4, comes out this way.
         year += 1;
         month = 1;
         dayOfYear = 1;

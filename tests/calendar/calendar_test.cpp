@@ -103,7 +103,7 @@ TEST(CalendarUncheckedInput, DaysRunOnAcrossMonths)
         {{2000, 3, 0}, {2000, 2, 29}},  // day 0 is the last day of the month before
         {{2001, 1, 0}, {2000, 12, 31}}, //
         {{2001, 1, 59}, {2001, 2, 28}}, //
-        {{2001, 13, 1}, {2002, 1, 1}},  // the walk stops at December: month 13 is the next January
+        {{2001, 13, 1}, {2002, 1, 1}},  // months past 12 add one whole year: the next January
         {{2001, 0, 1}, {2001, 1, 1}},   // and month 0 counts as January
     };
     for (const auto& c : cases) {
