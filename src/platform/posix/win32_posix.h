@@ -64,4 +64,21 @@ YX_PLATFORM BOOL GetVersionExA(LPOSVERSIONINFOA lpVersionInformation);
 // fit, and the buffer then holds its first `count` characters, without a NUL.
 YX_PLATFORM int _vsnprintf(char* buffer, std::size_t count, const char* format, va_list args);
 
+// Local time. The record has Win32's layout: eight 16-bit fields, 16 bytes, the day of the week
+// 0 for Sunday.
+struct SYSTEMTIME {
+    WORD wYear;
+    WORD wMonth;
+    WORD wDayOfWeek;
+    WORD wDay;
+    WORD wHour;
+    WORD wMinute;
+    WORD wSecond;
+    WORD wMilliseconds;
+};
+using LPSYSTEMTIME = SYSTEMTIME*;
+
+// The wall clock in the process's time zone (TZ, else the system's), milliseconds included.
+YX_PLATFORM void GetLocalTime(LPSYSTEMTIME lpSystemTime);
+
 #endif
