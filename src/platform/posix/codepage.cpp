@@ -37,7 +37,7 @@ const LanguageCodePage kLanguages[] = {
 const char* LocaleName()
 {
     for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-        const char* value = std::getenv(variable); // NOLINT(concurrency-mt-unsafe): read-only use
+        const char* value = std::getenv(variable);
         if (value != nullptr && *value != '\0') {
             return value;
         }
