@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/win32.h"
+#include "splitpath_check.h"
 
 namespace {
 
@@ -17,31 +18,10 @@ TEST(GetACP932, JapaneseLocaleGivesShiftJisLeadBytes)
     }
 }
 
-struct SplitCase {
-    const char* path;
-    const char* drive;
-    const char* dir;
-    const char* fname;
-    const char* ext;
-};
-
-void ExpectSplit(const SplitCase& c)
-{
-    char drive[_MAX_DRIVE];
-    char dir[_MAX_DIR];
-    char fname[_MAX_FNAME];
-    char ext[_MAX_EXT];
-    _splitpath(c.path, drive, dir, fname, ext);
-    EXPECT_EQ(std::string(drive), c.drive) << c.path;
-    EXPECT_EQ(std::string(dir), c.dir) << c.path;
-    EXPECT_EQ(std::string(fname), c.fname) << c.path;
-    EXPECT_EQ(std::string(ext), c.ext) << c.path;
-}
-
 TEST(SplitPath932, DoubleByteCharactersStayWhole)
 {
     // 0x95 0x5C is one character (a trail byte equal to `\`); so is 0x81 0x2F.
-    const SplitCase cases[] = {
+    const SplitPathCase cases[] = {
         {"a\\\x95\x5C", "", "a\\", "\x95\x5C", ""},
         {"\x95\x5C\\x.t", "", "\x95\x5C\\", "x", ".t"},
         {"a\x95\x5C"
@@ -60,8 +40,8 @@ TEST(SplitPath932, DoubleByteCharactersStayWhole)
         {"ab\x95\x5Cz.\x95\x5C", "", "", "ab\x95\x5Cz", ".\x95\x5C"},
         {"\x95:x", "\x95:", "", "x", ""}, // the drive is any first byte before a colon
     };
-    for (const SplitCase& c : cases) {
-        ExpectSplit(c);
+    for (const SplitPathCase& c : cases) {
+        ExpectSplitPath(c);
     }
 }
 
@@ -70,7 +50,7 @@ TEST(SplitPath932, TrailByteDotIsNoDot)
 #if defined(_WIN32)
     GTEST_SKIP() << "Wine's runtime takes 0x2E behind a lead byte for a dot (0x2E is no trail byte of code page 932)";
 #else
-    ExpectSplit({"a.b\x95.", "", "", "a", ".b\x95."});
+    ExpectSplitPath({"a.b\x95.", "", "", "a", ".b\x95."});
 #endif
 }
 

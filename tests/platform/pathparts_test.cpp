@@ -4,18 +4,13 @@
 #include <string>
 
 #include "platform/win32.h"
+#include "splitpath_check.h"
 
 namespace {
 
 TEST(SplitPath, CutsIntoTheFourComponents)
 {
-    const struct {
-        const char* path;
-        const char* drive;
-        const char* dir;
-        const char* fname;
-        const char* ext;
-    } cases[] = {
+    const SplitPathCase cases[] = {
         {"C:\\data\\map.txt", "C:", "\\data\\", "map", ".txt"},
         {"c:/data/a.b.txt", "c:", "/data/", "a.b", ".txt"},
         {"x:", "x:", "", "", ""},
@@ -26,16 +21,8 @@ TEST(SplitPath, CutsIntoTheFourComponents)
         {"", "", "", "", ""},
         {"a\\\x95\x5C", "", "a\\\x95\\", "", ""}, // no lead bytes in 1252: 0x5C separates
     };
-    for (const auto& c : cases) {
-        char drive[_MAX_DRIVE] = "?";
-        char dir[_MAX_DIR] = "?";
-        char fname[_MAX_FNAME] = "?";
-        char ext[_MAX_EXT] = "?";
-        _splitpath(c.path, drive, dir, fname, ext);
-        EXPECT_EQ(std::string(drive), c.drive) << c.path;
-        EXPECT_EQ(std::string(dir), c.dir) << c.path;
-        EXPECT_EQ(std::string(fname), c.fname) << c.path;
-        EXPECT_EQ(std::string(ext), c.ext) << c.path;
+    for (const SplitPathCase& c : cases) {
+        ExpectSplitPath(c);
     }
 }
 
