@@ -98,18 +98,4 @@ TEST(YXPathMake, PointersDecideTheSeparators)
     }
 }
 
-TEST(YXPathMake, SplitThenMakeGivesThePathBack)
-{
-    for (const char* text : {"C:\\data\\map.txt", "\\\\server\\share\\dir\\a.txt", "C:\\"}) {
-        _SS<char> drive;
-        _SS<char> directory;
-        _SS<char> name;
-        _SS<char> extension;
-        YXPath::Split(text, &drive, &directory, &name, &extension, nullptr);
-        _SS<char> output;
-        YXPath::Make(output, &drive, &directory, &name, extension.empty() ? nullptr : &extension);
-        EXPECT_EQ(output, text);
-    }
-}
-
 } // namespace

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <string>
 
 #include "platform/win32.h"
 
@@ -17,42 +16,19 @@ TEST(GetACP, WesternEuropeanLocaleGives1252WithoutLeadBytes)
 }
 
 #if !defined(_WIN32)
-// Sets the three locale variables for one scope and puts the old values back.
-class LocaleVariables {
-public:
-    LocaleVariables(const char* all, const char* ctype, const char* lang)
-    {
-        for (int i = 0; i < 3; ++i) {
-            const char* old = std::getenv(kNames[i]);
-            m_had[i] = old != nullptr;
-            m_old[i] = old != nullptr ? old : "";
-        }
-        Set(0, all);
-        Set(1, ctype);
-        Set(2, lang);
-    }
-    ~LocaleVariables()
-    {
-        for (int i = 0; i < 3; ++i) {
-            Set(i, m_had[i] ? m_old[i].c_str() : nullptr);
-        }
-    }
-    LocaleVariables(const LocaleVariables&) = delete;
-    LocaleVariables& operator=(const LocaleVariables&) = delete;
-
-private:
-    static void Set(int i, const char* value)
-    {
-        if (value != nullptr) {
-            setenv(kNames[i], value, 1);
+// Sets the three locale variables (null unsets one); the stand-in reads them at each call.
+void SetLocale(const char* all, const char* ctype, const char* lang)
+{
+    const char* const names[] = {"LC_ALL", "LC_CTYPE", "LANG"};
+    const char* const values[] = {all, ctype, lang};
+    for (int i = 0; i < 3; ++i) {
+        if (values[i] != nullptr) {
+            setenv(names[i], values[i], 1);
         } else {
-            unsetenv(kNames[i]);
+            unsetenv(names[i]);
         }
     }
-    static constexpr const char* kNames[3] = {"LC_ALL", "LC_CTYPE", "LANG"};
-    bool m_had[3] = {};
-    std::string m_old[3];
-};
+}
 #endif
 
 TEST(GetACP, FollowsTheLanguageAsWineDoes)
@@ -106,9 +82,10 @@ TEST(GetACP, FollowsTheLanguageAsWineDoes)
         {"bogus", 1252},
     };
     for (const auto& c : cases) {
-        const LocaleVariables locale(c.locale, nullptr, nullptr);
+        SetLocale(c.locale, nullptr, nullptr);
         EXPECT_EQ(GetACP(), c.codePage) << c.locale;
     }
+    SetLocale("en_US.UTF-8", nullptr, nullptr);
 #endif
 }
 
@@ -127,14 +104,15 @@ TEST(GetACP, TakesLcAllThenLcCtypeThenLang)
         {nullptr, nullptr, "ko_KR.UTF-8", 949}, {nullptr, "C", "ja_JP", 1252},    {nullptr, nullptr, nullptr, 1252},
     };
     for (const auto& c : cases) {
-        const LocaleVariables locale(c.all, c.ctype, c.lang);
+        SetLocale(c.all, c.ctype, c.lang);
         EXPECT_EQ(GetACP(), c.codePage) << (c.all ? c.all : "-") << " " << (c.ctype ? c.ctype : "-") << " "
                                         << (c.lang ? c.lang : "-");
     }
     // The lead bytes follow a change of the variables at once.
-    const LocaleVariables korean("ko_KR.UTF-8", nullptr, nullptr);
+    SetLocale("ko_KR.UTF-8", nullptr, nullptr);
     EXPECT_TRUE(IsDBCSLeadByte(0xFE));
     EXPECT_FALSE(IsDBCSLeadByte(0x80));
+    SetLocale("en_US.UTF-8", nullptr, nullptr);
 #endif
 }
 

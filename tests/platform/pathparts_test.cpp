@@ -13,12 +13,9 @@ TEST(SplitPath, CutsIntoTheFourComponents)
     const SplitPathCase cases[] = {
         {"C:\\data\\map.txt", "C:", "\\data\\", "map", ".txt"},
         {"c:/data/a.b.txt", "c:", "/data/", "a.b", ".txt"},
-        {"x:", "x:", "", "", ""},
         {"\\\\server\\share", "", "\\\\server\\", "share", ""},
-        {"a.dir\\file", "", "a.dir\\", "file", ""},
         {"..", "", "", ".", "."},
         {".profile", "", "", "", ".profile"},
-        {"", "", "", "", ""},
         {"a\\\x95\x5C", "", "a\\\x95\\", "", ""}, // no lead bytes in 1252: 0x5C separates
     };
     for (const SplitPathCase& c : cases) {
@@ -50,7 +47,6 @@ TEST(MakePath, JoinsThePartsWithTheirSeparators)
         {"CD", "/x/", "n", "e", "C:/x/n.e"}, // only the drive's letter counts
         {nullptr, "a/b", "n", "e", "a/b\\n.e"},
         {nullptr, nullptr, "map", nullptr, "map"},
-        {"", "", "", "", ""},
         {"C:", "\\data\\", "$$$$$$$$", ".$$$", "C:\\data\\$$$$$$$$.$$$"},
     };
     for (const auto& c : cases) {
