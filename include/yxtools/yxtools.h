@@ -10,5 +10,6 @@
 #include "yxtools/logfile.h"
 #include "yxtools/nameprovider.h"
 #include "yxtools/calendar.h"
+#include "yxtools/path.h"
 
 #endif

@@ -16,6 +16,7 @@
 #endif
 #include <windows.h>
 #include <cstdio>
+#include <cstdlib>
 #else
 #include "platform/posix/win32_posix.h"
 #endif
