@@ -32,9 +32,9 @@ TEST(GlobalMemory, MovableBlockCountsLocksInTheLowByteOfItsFlags)
     EXPECT_TRUE(GlobalUnlock(block)); // still locked once
     EXPECT_EQ(GlobalFlags(block), 1u);
     EXPECT_FALSE(GlobalUnlock(block)); // unlocked for good
-    EXPECT_EQ(GetLastError(), NO_ERROR);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(NO_ERROR));
     EXPECT_FALSE(GlobalUnlock(block));
-    EXPECT_EQ(GetLastError(), ERROR_NOT_LOCKED);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_LOCKED));
     EXPECT_EQ(GlobalFlags(block), 0u);
     EXPECT_EQ(GlobalFree(block), nullptr);
 }
@@ -90,16 +90,16 @@ TEST(GlobalMemory, EmptyMovableBlockIsDiscarded)
     HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, 0);
     ASSERT_NE(block, nullptr);
     EXPECT_EQ(GlobalSize(block), 0u);
-    EXPECT_EQ(GlobalFlags(block), GMEM_DISCARDED);
+    EXPECT_EQ(GlobalFlags(block), static_cast<UINT>(GMEM_DISCARDED));
     SetLastError(0);
     EXPECT_EQ(GlobalLock(block), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_DISCARDED);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_DISCARDED));
 
     EXPECT_EQ(GlobalReAlloc(block, 10, GMEM_MOVEABLE | GMEM_ZEROINIT), block);
     EXPECT_EQ(GlobalFlags(block), 0u);
     EXPECT_EQ(Read(block, 10), std::string(10, '\0'));
     EXPECT_EQ(GlobalReAlloc(block, 0, GMEM_MOVEABLE), block); // discards it again
-    EXPECT_EQ(GlobalFlags(block), GMEM_DISCARDED);
+    EXPECT_EQ(GlobalFlags(block), static_cast<UINT>(GMEM_DISCARDED));
     EXPECT_EQ(GlobalFree(block), nullptr);
 }
 
@@ -108,25 +108,25 @@ TEST(GlobalMemory, HandlesThatAreNoBlocksAreRefused)
     EXPECT_EQ(GlobalFree(nullptr), nullptr);
     SetLastError(0);
     EXPECT_EQ(GlobalHandle(nullptr), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
 
     HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, 32);
     auto* address = static_cast<char*>(GlobalLock(block));
     SetLastError(0);
     EXPECT_EQ(GlobalHandle(address + 1), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
     EXPECT_EQ(GlobalFree(block), nullptr); // locked or not
 
     SetLastError(0);
     EXPECT_EQ(GlobalFree(block), block);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
     SetLastError(0);
     EXPECT_EQ(GlobalSize(block), 0u);
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
-    EXPECT_EQ(GlobalFlags(block), GMEM_INVALID_HANDLE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+    EXPECT_EQ(GlobalFlags(block), static_cast<UINT>(GMEM_INVALID_HANDLE));
     SetLastError(0);
     EXPECT_FALSE(GlobalUnlock(block));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
 }
 
 TEST(GlobalMemory, RequestBeyondAnyHeapFails)
@@ -135,7 +135,7 @@ TEST(GlobalMemory, RequestBeyondAnyHeapFails)
         SCOPED_TRACE(kind);
         SetLastError(0);
         EXPECT_EQ(GlobalAlloc(kind, static_cast<SIZE_T>(1) << 62), nullptr);
-        EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_MEMORY);
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_ENOUGH_MEMORY));
     }
 }
 
