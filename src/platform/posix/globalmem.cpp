@@ -38,16 +38,23 @@ HGLOBAL HandleOf(Block* block)
     return block->movable ? static_cast<HGLOBAL>(block) : static_cast<HGLOBAL>(block->pData);
 }
 
-// The block of a handle, or null with ERROR_INVALID_HANDLE.
-Block* Find(Table& table, HGLOBAL hMem)
-{
-    const auto found = table.byHandle.find(hMem);
-    if (found == table.byHandle.end()) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return nullptr;
+// One call's hold on the table: locked while it lasts, with the block of the call's handle, or
+// null and ERROR_INVALID_HANDLE when the handle is no live block.
+struct Call {
+    explicit Call(HGLOBAL hMem) : table(Blocks()), guard(table.lock)
+    {
+        const auto found = table.byHandle.find(hMem);
+        if (found != table.byHandle.end()) {
+            block = found->second;
+        } else {
+            SetLastError(ERROR_INVALID_HANDLE);
+        }
     }
-    return found->second;
-}
+
+    Table& table;
+    std::lock_guard<std::mutex> guard;
+    Block* block = nullptr;
+};
 
 void ZeroGrowth(const Block& block, SIZE_T oldSize, UINT uFlags)
 {
@@ -89,9 +96,9 @@ HGLOBAL GlobalAlloc(UINT uFlags, SIZE_T dwBytes)
 
 HGLOBAL GlobalReAlloc(HGLOBAL hMem, SIZE_T dwBytes, UINT uFlags)
 {
-    Table& table = Blocks();
-    const std::lock_guard<std::mutex> guard(table.lock);
-    Block* block = Find(table, hMem);
+    const Call call(hMem);
+    Table& table = call.table;
+    Block* block = call.block;
     if (block == nullptr) {
         return nullptr;
     }
@@ -143,9 +150,8 @@ LPVOID GlobalLock(HGLOBAL hMem)
     if (hMem == nullptr) {
         return nullptr;
     }
-    Table& table = Blocks();
-    const std::lock_guard<std::mutex> guard(table.lock);
-    Block* block = Find(table, hMem);
+    const Call call(hMem);
+    Block* block = call.block;
     if (block == nullptr) {
         return nullptr;
     }
@@ -161,9 +167,8 @@ LPVOID GlobalLock(HGLOBAL hMem)
 
 BOOL GlobalUnlock(HGLOBAL hMem)
 {
-    Table& table = Blocks();
-    const std::lock_guard<std::mutex> guard(table.lock);
-    Block* block = Find(table, hMem);
+    const Call call(hMem);
+    Block* block = call.block;
     if (block == nullptr) {
         return FALSE;
     }
@@ -183,9 +188,8 @@ BOOL GlobalUnlock(HGLOBAL hMem)
 
 SIZE_T GlobalSize(HGLOBAL hMem)
 {
-    Table& table = Blocks();
-    const std::lock_guard<std::mutex> guard(table.lock);
-    const Block* block = Find(table, hMem);
+    const Call call(hMem);
+    const Block* block = call.block;
     return block == nullptr ? 0 : block->size;
 }
 
@@ -194,9 +198,9 @@ HGLOBAL GlobalFree(HGLOBAL hMem)
     if (hMem == nullptr) {
         return nullptr;
     }
-    Table& table = Blocks();
-    const std::lock_guard<std::mutex> guard(table.lock);
-    Block* block = Find(table, hMem);
+    const Call call(hMem);
+    Table& table = call.table;
+    Block* block = call.block;
     if (block == nullptr) {
         return hMem;
     }
@@ -227,9 +231,8 @@ HGLOBAL GlobalHandle(LPCVOID pMem)
 
 UINT GlobalFlags(HGLOBAL hMem)
 {
-    Table& table = Blocks();
-    const std::lock_guard<std::mutex> guard(table.lock);
-    const Block* block = Find(table, hMem);
+    const Call call(hMem);
+    const Block* block = call.block;
     if (block == nullptr) {
         return GMEM_INVALID_HANDLE;
     }
