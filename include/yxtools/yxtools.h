@@ -11,5 +11,6 @@
 #include "yxtools/nameprovider.h"
 #include "yxtools/calendar.h"
 #include "yxtools/path.h"
+#include "yxtools/memory.h"
 
 #endif
