@@ -9,5 +9,6 @@
 #include "yxtools/errorslog.h"
 #include "yxtools/logfile.h"
 #include "yxtools/nameprovider.h"
+#include "yxtools/holes.h"
 
 #endif
