@@ -180,7 +180,8 @@ protected:
     std::int32_t m_lCapacity;
     std::int32_t m_lSize;
     tagPQCELL* m_pCells;
-    tagPQCELL* m_pLast; // cell m_lSize
+    tagPQCELL* m_pLast;         // cell m_lSize
+    std::int64_t m_llAllocated; // cells the array has room for, the sentinel included
 
 private:
     void SetCell(std::int32_t lCell, const tagPQCELL& cell);

@@ -19,7 +19,7 @@ void WriteHandle(const tagPQCELL& cell, std::int32_t lCell)
 
 YXPriorityQueue::YXPriorityQueue(long lIncrement)
     : m_lIncrement(static_cast<std::int32_t>(lIncrement)), m_lCapacity(0), m_lSize(0), m_pCells(nullptr),
-      m_pLast(nullptr)
+      m_pLast(nullptr), m_llAllocated(0)
 {
     CreateIncrementArray(m_lIncrement);
 }
@@ -48,20 +48,26 @@ bool YXPriorityQueue::CreateIncrementArray(std::int32_t lIncrement)
     if (m_pCells == nullptr) {
         cells = static_cast<std::int64_t>(lIncrement) + 1;
     } else {
-        // Half as large again, though the capacity rises by the increment only.
+        // Half as large again, though the capacity rises by the increment only: later growths
+        // find their room already there and leave the array as it is.
         const std::int64_t capacity = m_lCapacity;
         cells = (3 * capacity + 3) / 2;
         if (capacity + lIncrement + 1 > cells) {
             cells = capacity + lIncrement + 1;
         }
+        if (capacity + lIncrement + 1 <= m_llAllocated) {
+            cells = m_llAllocated;
+        }
     }
     if (static_cast<std::uint64_t>(cells) > SIZE_MAX / sizeof(tagPQCELL)) {
         return false;
     }
-    void* array = std::realloc(m_pCells, static_cast<std::size_t>(cells) * sizeof(tagPQCELL));
+    void* array =
+        cells == m_llAllocated ? m_pCells : std::realloc(m_pCells, static_cast<std::size_t>(cells) * sizeof(tagPQCELL));
     if (array == nullptr) {
         return false;
     }
+    m_llAllocated = cells;
     m_pCells = static_cast<tagPQCELL*>(array);
     // The capacity stops at the largest 32-bit count.
     const std::int64_t capacity = static_cast<std::int64_t>(m_lCapacity) + lIncrement;
@@ -212,6 +218,7 @@ void YXPriorityQueue::ReInit()
     std::free(m_pCells);
     m_pCells = nullptr;
     m_pLast = nullptr;
+    m_llAllocated = 0;
     m_lCapacity = 0;
     m_lSize = 0;
 }

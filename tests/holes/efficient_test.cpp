@@ -264,6 +264,9 @@ TEST(EfficientHoleManager, TableGrowsAtThe3801stHole)
 // manager holds. The hole after that is refused as when memory runs out.
 TEST(EfficientHoleManager, ListStopsAtTheTableLimit)
 {
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "13 million calls take minutes under AddressSanitizer; the plain builds run this";
+#endif
     EfficientView m;
     constexpr std::int32_t kMost = 65535 * 200;
     for (std::int32_t i = 0; i < kMost; ++i) {
@@ -467,9 +470,9 @@ private:
 
 TEST(EfficientHoleManager, RandomHostAgainstAPlainList)
 {
-    for (const std::uint32_t seed : {1U, 2U, 3U}) {
+    for (const std::uint32_t seed : {1U, 2U}) {
         HostModel model(seed);
-        model.Run(12000);
+        model.Run(9000);
         EXPECT_GT(model.Most(), 200u) << "the run should cross a block boundary";
         if (HasFailure()) {
             FAIL() << "seed " << seed;
