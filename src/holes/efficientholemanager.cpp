@@ -250,6 +250,7 @@ bool YXEfficientHoleManager::ExpandHoleList(std::int32_t lCount)
         tableSize = kMaxTableSize;
     }
     if (tableSize > m_lBlockTableSize) {
+        // The table holds pointers to blocks. NOLINTNEXTLINE(bugprone-sizeof-expression)
         void* table = std::realloc(m_ppBlocks, static_cast<std::size_t>(tableSize) * sizeof(tagFILEHOLE*));
         if (table == nullptr) {
             return false;

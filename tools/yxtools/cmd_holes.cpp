@@ -247,7 +247,7 @@ int RunHoles(cli::Context& context, const cli::Args& args)
         }
     }
     if (i < args.size() && args[i] == "simulate") {
-        for (++i; i < args.size(); ++i) {
+        for (++i; i < args.size(); i += 2) {
             unsigned long long* target = args[i] == "--ops"        ? &options.ops
                                          : args[i] == "--seed"     ? &options.seed
                                          : args[i] == "--max-size" ? &options.maxSize
@@ -255,7 +255,6 @@ int RunHoles(cli::Context& context, const cli::Args& args)
             if (target == nullptr || i + 1 >= args.size() || !cli::ParseNumber(args[i + 1], *target)) {
                 return cli::UsageError(kCommand, "cannot read '" + args[i] + "' here");
             }
-            ++i;
         }
         if (options.maxSize == 0) {
             return cli::UsageError(kCommand, "--max-size must be at least 1");
