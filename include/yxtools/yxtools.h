@@ -12,5 +12,6 @@
 #include "yxtools/calendar.h"
 #include "yxtools/path.h"
 #include "yxtools/memory.h"
+#include "yxtools/holes.h"
 
 #endif
