@@ -3,15 +3,14 @@
 #   wine-prefix.sh start DIR   creates a fresh prefix in DIR and leaves a wineserver running for it
 #   wine-prefix.sh stop DIR    stops that wineserver and its processes, and removes DIR
 # Creating a prefix takes seconds; every test program of the run then starts in a fraction of one.
-# WINESERVER and WINEBOOT name the programs; Wine's own output goes to DIR.log.
+# WINESERVER and WINEBOOT name the programs; WINEDEBUG and WINEDLLOVERRIDES, when set, are those
+# of the programs that will run in the prefix. Wine's own output goes to DIR.log.
 set -eu
 action=$1
 dir=$2
 : "${WINESERVER:=wineserver}"
 : "${WINEBOOT:=wineboot}"
-export WINEPREFIX="$dir" WINEDEBUG=-all
-# No desktop menu entries, and no prompts for the .NET and HTML runtimes.
-export WINEDLLOVERRIDES="winemenubuilder.exe,mscoree,mshtml=d"
+export WINEPREFIX="$dir"
 
 stop() {
     if [ -d "$dir" ]; then

@@ -28,7 +28,8 @@ if(count LESS 10)
   message(FATAL_ERROR "only ${count} names exported: the interface is missing")
 endif()
 
-# Plain functions are exported as they are called, without C++ decoration.
+# Plain functions (extern "C") are exported as they are called, without C++ decoration; each
+# family that adds one lists it here.
 set(plain YXNameProvider_RegisterProviderByString YXNameProvider_GetProviderByString
   YXNameProvider_RegisterProviderByID YXNameProvider_GetProviderByID)
 set(missing "")
