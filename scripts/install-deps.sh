@@ -8,7 +8,10 @@ set -euo pipefail
 packages=(g++ cmake make pkg-config googletest libgtest-dev libbenchmark-dev libicu-dev libsqlite3-dev
           clang-format clang-tidy)
 if [[ "${1:-}" == "windows" ]]; then
-  packages+=(g++-mingw-w64-x86-64 wine64)
+  # wine64 holds the loader and the server; the wine, wineserver and wineboot commands are in wine,
+  # which wine64 only recommends. Nothing else it recommends (fonts, graphics, sound) matters to
+  # console programs.
+  packages+=(g++-mingw-w64-x86-64 wine64 wine)
 fi
 
 missing=()

@@ -21,4 +21,9 @@ bool IsWin9XRecord(const OSVERSIONINFOA& info);
 
 } // namespace yx::frame
 
+#if defined(_WIN32)
+// The library's entry procedure (entry.cpp), which the runtime calls with each load notification.
+extern "C" BOOL WINAPI DllMain(HINSTANCE hinstDLL, DWORD fdwReason, LPVOID lpvReserved);
+#endif
+
 #endif

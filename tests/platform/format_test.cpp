@@ -40,4 +40,21 @@ TEST(VsnprintfContract, LongerTextGivesMinusOneAndItsFirstCharacters)
     EXPECT_EQ(std::memcmp(buffer, "abcd-#", 6), 0);
 }
 
+TEST(VsnprintfContract, ALimitOfZeroWritesNothing)
+{
+    char buffer[4] = {'#', '#', '#', '#'};
+    EXPECT_EQ(Format(buffer, 0, "%s", ""), 0);
+    EXPECT_LT(Format(buffer, 0, "%s", "a"), 0);
+    EXPECT_EQ(buffer[0], '#');
+}
+
+TEST(VsnprintfContract, LongArgumentsFormatAtTheirOwnWidth)
+{
+    // long is 32 bits on Windows and 64 on POSIX: %ld must read exactly one long either way, or
+    // the argument after it comes out wrong.
+    char buffer[64];
+    EXPECT_EQ(Format(buffer, sizeof(buffer), "%ld|%lu|%d", -2147483647L - 1, 4294967295UL, 7), 24);
+    EXPECT_STREQ(buffer, "-2147483648|4294967295|7");
+}
+
 } // namespace

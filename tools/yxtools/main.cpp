@@ -3,7 +3,11 @@
 #include <cstring>
 #include <string>
 
+#if defined(_WIN32)
+#include <io.h>
+#else
 #include <unistd.h>
+#endif
 
 #include "cli.h"
 
@@ -35,12 +39,21 @@ int Help(const cli::Args& args)
     return 0;
 }
 
+bool StandardOutputIsTerminal()
+{
+#if defined(_WIN32)
+    return _isatty(_fileno(stdout)) != 0;
+#else
+    return isatty(STDOUT_FILENO) != 0;
+#endif
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     cli::Context context;
-    context.interactive = isatty(STDOUT_FILENO) != 0;
+    context.interactive = StandardOutputIsTerminal();
     cli::Args words;
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--json") == 0) {
