@@ -9,6 +9,14 @@
 #include <utility>
 #include <vector>
 
+// Lines are printed with the C library's vprintf; on mingw-w64 that is its C99 formatter (the C++
+// runtime selects it), so %zu and %lld hold on both builds.
+#if defined(_WIN32)
+#define CLI_PRINTF(fmt, args) __attribute__((format(gnu_printf, fmt, args)))
+#else
+#define CLI_PRINTF(fmt, args) __attribute__((format(printf, fmt, args)))
+#endif
+
 namespace cli {
 
 // A JSON value: null, bool, number, string, array or object (keys kept in insertion order).
@@ -65,7 +73,7 @@ struct Context {
     Json result = Json::Object();
 
     // A line for people; ignored in JSON mode.
-    void Line(const char* format, ...) const __attribute__((format(printf, 2, 3)));
+    void Line(const char* format, ...) const CLI_PRINTF(2, 3);
 };
 
 using Args = std::vector<std::string>;
