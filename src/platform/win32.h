@@ -16,6 +16,13 @@
 #endif
 #include <windows.h>
 #include <cstdio>
+#include <io.h>
+#include <sys/stat.h>
+// The runtime's remove and rename, under the names the POSIX stand-in gives them.
+namespace crt {
+using ::remove;
+using ::rename;
+} // namespace crt
 #else
 #include "platform/posix/win32_posix.h"
 #endif

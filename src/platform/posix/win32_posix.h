@@ -32,8 +32,25 @@ using LPVOID = void*;
 
 // Error codes of GetLastError.
 constexpr DWORD ERROR_SUCCESS = 0;
+constexpr DWORD NO_ERROR = 0;
+constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
+constexpr DWORD ERROR_PATH_NOT_FOUND = 3;
+constexpr DWORD ERROR_TOO_MANY_OPEN_FILES = 4;
+constexpr DWORD ERROR_ACCESS_DENIED = 5;
+constexpr DWORD ERROR_INVALID_HANDLE = 6;
+constexpr DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
+constexpr DWORD ERROR_NO_MORE_FILES = 18;
+constexpr DWORD ERROR_GEN_FAILURE = 31;
+constexpr DWORD ERROR_SHARING_VIOLATION = 32;
+constexpr DWORD ERROR_LOCK_VIOLATION = 33;
+constexpr DWORD ERROR_FILE_EXISTS = 80;
 constexpr DWORD ERROR_INVALID_PARAMETER = 87;
+constexpr DWORD ERROR_DISK_FULL = 112;
 constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
+constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
+constexpr DWORD ERROR_ALREADY_EXISTS = 183;
+constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
+constexpr DWORD ERROR_DIRECTORY = 267;
 
 // Last error: one value per thread, as on Windows.
 YX_PLATFORM DWORD GetLastError();
@@ -63,5 +80,8 @@ YX_PLATFORM BOOL GetVersionExA(LPOSVERSIONINFOA lpVersionInformation);
 // length of the text, which stands without a NUL when it equals `count`; -1 means the text did not
 // fit, and the buffer then holds its first `count` characters, without a NUL.
 YX_PLATFORM int _vsnprintf(char* buffer, std::size_t count, const char* format, va_list args);
+
+// Files, folders and the runtime's file functions.
+#include "platform/posix/files_posix.h"
 
 #endif
