@@ -9,5 +9,8 @@
 #include "yxtools/errorslog.h"
 #include "yxtools/logfile.h"
 #include "yxtools/nameprovider.h"
+#include "yxtools/calendar.h"
+#include "yxtools/path.h"
+#include "yxtools/files.h"
 
 #endif

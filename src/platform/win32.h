@@ -16,6 +16,7 @@
 #endif
 #include <windows.h>
 #include <cstdio>
+#include <cstdlib>
 #include <io.h>
 #include <sys/stat.h>
 // The runtime's remove and rename, under the names the POSIX stand-in gives them.

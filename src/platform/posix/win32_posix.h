@@ -81,6 +81,45 @@ YX_PLATFORM BOOL GetVersionExA(LPOSVERSIONINFOA lpVersionInformation);
 // fit, and the buffer then holds its first `count` characters, without a NUL.
 YX_PLATFORM int _vsnprintf(char* buffer, std::size_t count, const char* format, va_list args);
 
+// Local time. The record has Win32's layout: eight 16-bit fields, 16 bytes, the day of the week
+// 0 for Sunday.
+struct SYSTEMTIME {
+    WORD wYear;
+    WORD wMonth;
+    WORD wDayOfWeek;
+    WORD wDay;
+    WORD wHour;
+    WORD wMinute;
+    WORD wSecond;
+    WORD wMilliseconds;
+};
+using LPSYSTEMTIME = SYSTEMTIME*;
+
+// The wall clock in the process's time zone (TZ, else the system's), milliseconds included.
+YX_PLATFORM void GetLocalTime(LPSYSTEMTIME lpSystemTime);
+// Code pages. The ANSI code page follows the language and territory of the POSIX locale
+// variables, read at each call: LC_ALL, else LC_CTYPE, else LANG (ja_JP gives 932, zh_CN 936,
+// zh_TW 950, ko_KR 949, C and the Western European languages 1252, ...). The lead bytes are those
+// of ICU's converter for that Windows code page.
+YX_PLATFORM UINT GetACP();
+YX_PLATFORM BOOL IsDBCSLeadByte(BYTE TestChar);
+
+// Path components of the runtime library, with its buffer sizes.
+#define _MAX_PATH 260
+#define _MAX_DRIVE 3
+#define _MAX_DIR 256
+#define _MAX_FNAME 256
+#define _MAX_EXT 256
+
+// Cuts a path into drive, directory, name and extension, each written NUL-terminated to its buffer
+// (null buffers are skipped). Both `\` and `/` separate; a double-byte character of the ANSI code
+// page is kept whole, so a trail byte is never taken for a separator or a dot.
+YX_PLATFORM void _splitpath(const char* path, char* drive, char* dir, char* fname, char* ext);
+// Joins the four parts into path: the drive's letter and a colon, the directory with a separator
+// added when it ends in neither `\` nor `/`, the name, and the extension with a dot added when it
+// has none in front. Null and empty parts are left out.
+YX_PLATFORM void _makepath(char* path, const char* drive, const char* dir, const char* fname, const char* ext);
+
 // Files, folders and the runtime's file functions.
 #include "platform/posix/files_posix.h"
 

@@ -1,0 +1,101 @@
+// Path assembly: Append and Make.
+#include <gtest/gtest.h>
+
+#include <yxtools/path.h>
+
+namespace {
+
+// A null text stands for a null pointer.
+const _SS<char>* Optional(const char* text, _SS<char>& storage)
+{
+    if (text == nullptr) {
+        return nullptr;
+    }
+    storage = text;
+    return &storage;
+}
+
+TEST(YXPathAppend, OneSeparatorAtTheJoint)
+{
+    const struct {
+        const char* path;
+        const char* addition;
+        bool trailing;
+        const char* result;
+    } cases[] = {
+        {"C:\\data", "sub", false, "C:\\data\\sub"},
+        {"C:\\data\\", "sub", false, "C:\\data\\sub"},
+        {"C:\\data", "\\sub", false, "C:\\data\\sub"},
+        {"C:\\data\\", "\\sub", false, "C:\\data\\sub"},
+        {"C:\\data", "sub", true, "C:\\data\\sub\\"},
+        {"C:\\data", "sub\\", true, "C:\\data\\sub\\"},
+        {"C:\\data", nullptr, true, "C:\\data\\"},
+        {"C:\\data\\", nullptr, true, "C:\\data\\"},
+        {"C:\\data", nullptr, false, "C:\\data"},
+        {"", "sub", false, "sub"},
+        {"", "sub", true, "sub\\"},
+        {"", nullptr, true, "\\"},
+        {"", nullptr, false, ""},
+        {"C:\\data", "", false, "C:\\data"},
+        {"C:\\data", "", true, "C:\\data\\"},
+        {"C:\\data\\", "", true, "C:\\data\\\\"},
+        {"C:", "\\data\\", true, "C:\\data\\"},
+        {"http://server/dir", "page", false, "http://server/dir\\page"},
+        {"http://server/dir/", "page", false, "http://server/dir/\\page"},
+    };
+    for (const auto& c : cases) {
+        _SS<char> path(c.path);
+        _SS<char> addition;
+        YXPath::Append(path, Optional(c.addition, addition), c.trailing);
+        EXPECT_EQ(path, c.result) << c.path << " + " << (c.addition ? c.addition : "(null)") << " " << c.trailing;
+    }
+}
+
+TEST(YXPathAppend, ThePathItselfAsAddition)
+{
+    _SS<char> path("a\\");
+    YXPath::Append(path, &path, false);
+    EXPECT_EQ(path, "a\\a\\");
+}
+
+TEST(YXPathMake, PointersDecideTheSeparators)
+{
+    const struct {
+        const char* drive;
+        const char* directory;
+        const char* name;
+        const char* extension;
+        const char* output;
+        bool result;
+    } cases[] = {
+        {"C:", "\\data\\", "map", ".txt", "C:\\data\\map.txt", true},
+        {"C:", "\\data", "map", "txt", "C:\\data\\map.txt", true},
+        {"C:", "data", "map", nullptr, "C:\\data\\map", true},
+        {"C:", nullptr, "map", ".txt", "C:\\map.txt", true},
+        {nullptr, "\\data\\", "map", nullptr, "\\data\\map", true},
+        {nullptr, nullptr, "map", ".txt", "map.txt", true},
+        {nullptr, nullptr, nullptr, "txt", ".txt", true},
+        {nullptr, nullptr, nullptr, nullptr, "", false},
+        {"C:", nullptr, nullptr, nullptr, "C:\\", true},
+        {"C:", "\\data\\", nullptr, nullptr, "C:\\data\\", true},
+        {"C:", "", "map", ".txt", "C:\\map.txt", true},
+        {"", "", "map", ".txt", "\\map.txt", true},
+        {nullptr, "", nullptr, nullptr, "\\", true},
+        {"C:", "\\data\\", "map", "", "C:\\data\\map.", true},
+        {"\\\\server\\share", "\\dir\\", "a", ".b", "\\\\server\\share\\dir\\a.b", true},
+        {"", "", "map", "", "\\map.", true}, // a bare name split and made again
+    };
+    for (const auto& c : cases) {
+        _SS<char> drive;
+        _SS<char> directory;
+        _SS<char> name;
+        _SS<char> extension;
+        _SS<char> output("old");
+        EXPECT_EQ(YXPath::Make(output, Optional(c.drive, drive), Optional(c.directory, directory),
+                               Optional(c.name, name), Optional(c.extension, extension)),
+                  c.result);
+        EXPECT_EQ(output, c.output);
+    }
+}
+
+} // namespace
