@@ -12,5 +12,6 @@
 #include "yxtools/calendar.h"
 #include "yxtools/path.h"
 #include "yxtools/files.h"
+#include "yxtools/memory.h"
 
 #endif

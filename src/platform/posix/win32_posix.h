@@ -51,6 +51,8 @@ constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
 constexpr DWORD ERROR_ALREADY_EXISTS = 183;
 constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr DWORD ERROR_DIRECTORY = 267;
+constexpr DWORD ERROR_DISCARDED = 157;
+constexpr DWORD ERROR_NOT_LOCKED = 158;
 
 // Last error: one value per thread, as on Windows.
 YX_PLATFORM DWORD GetLastError();
@@ -97,6 +99,7 @@ using LPSYSTEMTIME = SYSTEMTIME*;
 
 // The wall clock in the process's time zone (TZ, else the system's), milliseconds included.
 YX_PLATFORM void GetLocalTime(LPSYSTEMTIME lpSystemTime);
+
 // Code pages. The ANSI code page follows the language and territory of the POSIX locale
 // variables, read at each call: LC_ALL, else LC_CTYPE, else LANG (ja_JP gives 932, zh_CN 936,
 // zh_TW 950, ko_KR 949, C and the Western European languages 1252, ...). The lead bytes are those
@@ -122,5 +125,45 @@ YX_PLATFORM void _makepath(char* path, const char* drive, const char* dir, const
 
 // Files, folders and the runtime's file functions.
 #include "platform/posix/files_posix.h"
+// Movable memory. A fixed block's handle is its address; a movable block's handle is a token that
+// is never an address of its data, and the data may move while the block is not locked. Blocks
+// are tracked in one table, so a handle that is not a live block is refused with
+// ERROR_INVALID_HANDLE rather than trusted.
+using SIZE_T = std::size_t;
+using HGLOBAL = void*;
+using LPCVOID = const void*;
+
+constexpr UINT GMEM_FIXED = 0x0000;
+constexpr UINT GMEM_MOVEABLE = 0x0002;
+constexpr UINT GMEM_ZEROINIT = 0x0040;
+constexpr UINT GHND = GMEM_MOVEABLE | GMEM_ZEROINIT;
+constexpr UINT GPTR = GMEM_FIXED | GMEM_ZEROINIT;
+constexpr UINT GMEM_LOCKCOUNT = 0x00FF;
+constexpr UINT GMEM_DISCARDED = 0x4000;
+constexpr UINT GMEM_INVALID_HANDLE = 0x8000;
+
+// A movable block of 0 bytes is born discarded: it has a handle, no data, and GlobalLock gives
+// null with ERROR_DISCARDED. GMEM_ZEROINIT clears the block, or the part that a reallocation adds.
+// ERROR_NOT_ENOUGH_MEMORY when the heap refuses.
+YX_PLATFORM HGLOBAL GlobalAlloc(UINT uFlags, SIZE_T dwBytes);
+// A movable block keeps its handle. A block that may not move (a fixed block without
+// GMEM_MOVEABLE in uFlags, or a locked one) is resized in place only: it can shrink, and grow back
+// up to what it first had, and otherwise fails with ERROR_NOT_ENOUGH_MEMORY. A fixed block with
+// GMEM_MOVEABLE moves and gets the new address as its handle. 0 bytes with GMEM_MOVEABLE discards
+// an unlocked movable block; without GMEM_MOVEABLE it is ERROR_INVALID_PARAMETER.
+YX_PLATFORM HGLOBAL GlobalReAlloc(HGLOBAL hMem, SIZE_T dwBytes, UINT uFlags);
+// Adds a lock to a movable block (a fixed block keeps a count of 0) and gives the data's address.
+YX_PLATFORM LPVOID GlobalLock(HGLOBAL hMem);
+// TRUE while the block stays locked and always for a fixed block; FALSE with NO_ERROR when the
+// last lock goes, FALSE with ERROR_NOT_LOCKED when there was none.
+YX_PLATFORM BOOL GlobalUnlock(HGLOBAL hMem);
+YX_PLATFORM SIZE_T GlobalSize(HGLOBAL hMem);
+// Null on success, locked or not; the handle itself when it is not a live block.
+YX_PLATFORM HGLOBAL GlobalFree(HGLOBAL hMem);
+// The handle of the block whose data starts at pMem.
+YX_PLATFORM HGLOBAL GlobalHandle(LPCVOID pMem);
+// The lock count in the low byte, GMEM_DISCARDED for a discarded block; GMEM_INVALID_HANDLE for a
+// handle that is not a live block.
+YX_PLATFORM UINT GlobalFlags(HGLOBAL hMem);
 
 #endif
