@@ -12,7 +12,7 @@
 namespace {
 
 // No search has been started; INVALID_HANDLE_VALUE is never kept.
-void* const kNotStarted = reinterpret_cast<void*>(static_cast<std::intptr_t>(-2));
+void* const kNotStarted = reinterpret_cast<void*>(static_cast<std::intptr_t>(-2)); // NOLINT(performance-no-int-to-ptr)
 
 } // namespace
 

@@ -1,6 +1,10 @@
 // yxtools demo: a walk through the library as a host uses it, printing each step.
 #include <yxtools/yxtools.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
 #include "cli.h"
 
 namespace {
@@ -33,6 +37,23 @@ public:
     }
     bool HasName(const _SS<char>& /*key*/) override { return true; }
 };
+
+// The road of a probe: File_IsOpenable on a file that does not exist yet, with the create bit.
+void ProbeRoad()
+{
+    std::error_code error;
+    const std::filesystem::path folder =
+        std::filesystem::temp_directory_path(error) / ("yxtools-demo-" + std::to_string(std::rand()));
+    std::filesystem::create_directories(folder, error);
+    const std::string path = (folder / "new.dat").string();
+    Step("   File_IsOpenable(\"" + path + "\", 0x43): GetFileAttributesA finds nothing, Open without 0x40");
+    Step("   fails with reason 1, and 0x40 sends the probe to the parent folder.");
+    unsigned short reason = 99;
+    const bool openable = File_IsOpenable(path.c_str(), YXFILE_READ | YXFILE_WRITE | YXFILE_CREATE, &reason);
+    Step(std::string("   answer: ") + (openable ? "true" : "false") + ", reason " + std::to_string(reason) +
+         "; the file " + (File_Exist(path.c_str()) ? "exists (wrong!)" : "still does not exist") + ".");
+    std::filesystem::remove_all(folder, error);
+}
 
 int RunDemo(cli::Context& context, const cli::Args& /*args*/)
 {
@@ -73,7 +94,10 @@ int RunDemo(cli::Context& context, const cli::Args& /*args*/)
     Step("   Default error log: " + std::to_string(YXErrorsLog_GetCount(nullptr)) + " entries; provider " +
          (YXNameProvider_GetProviderByString("demo.names") == nullptr ? "gone" : "still there") + ".");
 
-    Step("5. The process ends: the unload hook runs the closing sequence.");
+    Step("5. Probe a file that does not exist yet, asking whether it could be created.");
+    ProbeRoad();
+
+    Step("6. The process ends: the unload hook runs the closing sequence.");
     return 0;
 }
 

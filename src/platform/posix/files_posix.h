@@ -19,7 +19,8 @@
 
 constexpr DWORD MAX_PATH = 260;
 
-#define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-1)))
+inline const HANDLE INVALID_HANDLE_VALUE =
+    reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-1)); // NOLINT(performance-no-int-to-ptr)
 constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
 constexpr DWORD INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
 constexpr DWORD INVALID_FILE_SIZE = 0xFFFFFFFF;
