@@ -13,5 +13,6 @@
 #include "yxtools/path.h"
 #include "yxtools/files.h"
 #include "yxtools/memory.h"
+#include "yxtools/holes.h"
 
 #endif
