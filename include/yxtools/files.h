@@ -53,6 +53,7 @@ private:
     static unsigned long GetCFAccess(unsigned long mode);
     static unsigned long GetCFShareMode(unsigned long mode);
     std::int64_t SetFilePointerInternal(std::int64_t offset, unsigned long method);
+    std::int64_t Seek(std::int64_t offset, unsigned long method);
     void SetLastError(unsigned long code);
     bool OpenHandle(const _SS<char>& path, unsigned long mode, bool sequential, bool create);
     void CloseBeforeReopen();

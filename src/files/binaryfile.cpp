@@ -194,43 +194,32 @@ std::int64_t YXBinaryFile::SetFilePointerInternal(std::int64_t offset, unsigned 
     return static_cast<std::int64_t>((static_cast<std::uint64_t>(static_cast<std::uint32_t>(high)) << 32) | position);
 }
 
-std::int64_t YXBinaryFile::SeekFromBegin(std::int64_t offset)
+std::int64_t YXBinaryFile::Seek(std::int64_t offset, unsigned long method)
 {
     if (m_hFile == nullptr) {
         SetLastError(kClosed);
         return -1;
     }
-    const std::int64_t position = SetFilePointerInternal(offset, FILE_BEGIN);
+    const std::int64_t position = SetFilePointerInternal(offset, method);
     if (position == -1) {
         SetLastError(kMoveRefused);
     }
     return position;
+}
+
+std::int64_t YXBinaryFile::SeekFromBegin(std::int64_t offset)
+{
+    return Seek(offset, FILE_BEGIN);
 }
 
 std::int64_t YXBinaryFile::SeekFromCurrent(std::int64_t offset)
 {
-    if (m_hFile == nullptr) {
-        SetLastError(kClosed);
-        return -1;
-    }
-    const std::int64_t position = SetFilePointerInternal(offset, FILE_CURRENT);
-    if (position == -1) {
-        SetLastError(kMoveRefused);
-    }
-    return position;
+    return Seek(offset, FILE_CURRENT);
 }
 
 std::int64_t YXBinaryFile::SeekFromEnd(std::int64_t offset)
 {
-    if (m_hFile == nullptr) {
-        SetLastError(kClosed);
-        return -1;
-    }
-    const std::int64_t position = SetFilePointerInternal(offset, FILE_END);
-    if (position == -1) {
-        SetLastError(kMoveRefused);
-    }
-    return position;
+    return Seek(offset, FILE_END);
 }
 
 unsigned long YXBinaryFile::GetLength()

@@ -359,81 +359,68 @@ BOOL CloseHandle(HANDLE hObject)
     return TRUE;
 }
 
-BOOL ReadFile(HANDLE hFile, LPVOID lpBuffer, DWORD nNumberOfBytesToRead, LPDWORD lpNumberOfBytesRead,
-              LPOVERLAPPED /*lpOverlapped*/)
+namespace {
+
+// Moves up to `count` bytes with `step` (a read or a write), which may move fewer at a time. A
+// read that reaches the end of the file stops early without failing.
+template <class Step>
+BOOL Transfer(HANDLE handle, DWORD right, DWORD count, LPDWORD moved, Step step)
 {
-    if (lpNumberOfBytesRead != nullptr) {
-        *lpNumberOfBytesRead = 0;
+    if (moved != nullptr) {
+        *moved = 0;
     }
-    const FileHandle* file = Lookup(hFile);
+    const FileHandle* file = Lookup(handle);
     if (file == nullptr) {
         Report(ERROR_INVALID_HANDLE);
         return FALSE;
     }
-    if ((file->access & GENERIC_READ) == 0) {
+    if ((file->access & right) == 0) {
         Report(ERROR_ACCESS_DENIED);
         return FALSE;
     }
     DWORD done = 0;
-    auto* bytes = static_cast<char*>(lpBuffer);
-    while (done < nNumberOfBytesToRead) {
-        const ssize_t n = ::read(file->fd, bytes + done, nNumberOfBytesToRead - done);
+    BOOL result = TRUE;
+    while (done < count) {
+        const ssize_t n = step(file->fd, done, count - done);
         if (n < 0 && errno == EINTR) {
             continue;
         }
         if (n < 0) {
             Report(ErrorFromErrno(errno, std::string()));
-            if (lpNumberOfBytesRead != nullptr) {
-                *lpNumberOfBytesRead = done;
-            }
-            return FALSE;
+            result = FALSE;
+            break;
         }
         if (n == 0) {
+            if (right == GENERIC_WRITE) {
+                Report(ERROR_DISK_FULL);
+                result = FALSE;
+            }
             break;
         }
         done += static_cast<DWORD>(n);
     }
-    if (lpNumberOfBytesRead != nullptr) {
-        *lpNumberOfBytesRead = done;
+    if (moved != nullptr) {
+        *moved = done;
     }
-    return TRUE;
+    return result;
+}
+
+} // namespace
+
+BOOL ReadFile(HANDLE hFile, LPVOID lpBuffer, DWORD nNumberOfBytesToRead, LPDWORD lpNumberOfBytesRead,
+              LPOVERLAPPED /*lpOverlapped*/)
+{
+    auto* bytes = static_cast<char*>(lpBuffer);
+    return Transfer(hFile, GENERIC_READ, nNumberOfBytesToRead, lpNumberOfBytesRead,
+                    [bytes](int fd, DWORD done, DWORD left) { return ::read(fd, bytes + done, left); });
 }
 
 BOOL WriteFile(HANDLE hFile, LPCVOID lpBuffer, DWORD nNumberOfBytesToWrite, LPDWORD lpNumberOfBytesWritten,
                LPOVERLAPPED /*lpOverlapped*/)
 {
-    if (lpNumberOfBytesWritten != nullptr) {
-        *lpNumberOfBytesWritten = 0;
-    }
-    const FileHandle* file = Lookup(hFile);
-    if (file == nullptr) {
-        Report(ERROR_INVALID_HANDLE);
-        return FALSE;
-    }
-    if ((file->access & GENERIC_WRITE) == 0) {
-        Report(ERROR_ACCESS_DENIED);
-        return FALSE;
-    }
-    DWORD done = 0;
     const auto* bytes = static_cast<const char*>(lpBuffer);
-    while (done < nNumberOfBytesToWrite) {
-        const ssize_t n = ::write(file->fd, bytes + done, nNumberOfBytesToWrite - done);
-        if (n < 0 && errno == EINTR) {
-            continue;
-        }
-        if (n <= 0) {
-            Report(n < 0 ? ErrorFromErrno(errno, std::string()) : ERROR_DISK_FULL);
-            if (lpNumberOfBytesWritten != nullptr) {
-                *lpNumberOfBytesWritten = done;
-            }
-            return FALSE;
-        }
-        done += static_cast<DWORD>(n);
-    }
-    if (lpNumberOfBytesWritten != nullptr) {
-        *lpNumberOfBytesWritten = done;
-    }
-    return TRUE;
+    return Transfer(hFile, GENERIC_WRITE, nNumberOfBytesToWrite, lpNumberOfBytesWritten,
+                    [bytes](int fd, DWORD done, DWORD left) { return ::write(fd, bytes + done, left); });
 }
 
 DWORD SetFilePointer(HANDLE hFile, LONG lDistanceToMove, PLONG lpDistanceToMoveHigh, DWORD dwMoveMethod)
