@@ -11,6 +11,7 @@
 #include "yxtools/nameprovider.h"
 #include "yxtools/calendar.h"
 #include "yxtools/path.h"
+#include "yxtools/files.h"
 #include "yxtools/memory.h"
 #include "yxtools/holes.h"
 

@@ -19,6 +19,13 @@
 // C99 formatter (__USE_MINGW_ANSI_STDIO) takes over the standard names only, never this one.
 #include <cstdio>
 #include <cstdlib>
+#include <io.h>
+#include <sys/stat.h>
+// The runtime's remove and rename, under the names the POSIX stand-in gives them.
+namespace crt {
+using ::remove;
+using ::rename;
+} // namespace crt
 #else
 #include "platform/posix/win32_posix.h"
 #endif

@@ -33,10 +33,24 @@ using LPVOID = void*;
 // Error codes of GetLastError.
 constexpr DWORD ERROR_SUCCESS = 0;
 constexpr DWORD NO_ERROR = 0;
+constexpr DWORD ERROR_FILE_NOT_FOUND = 2;
+constexpr DWORD ERROR_PATH_NOT_FOUND = 3;
+constexpr DWORD ERROR_TOO_MANY_OPEN_FILES = 4;
+constexpr DWORD ERROR_ACCESS_DENIED = 5;
 constexpr DWORD ERROR_INVALID_HANDLE = 6;
 constexpr DWORD ERROR_NOT_ENOUGH_MEMORY = 8;
+constexpr DWORD ERROR_NO_MORE_FILES = 18;
+constexpr DWORD ERROR_GEN_FAILURE = 31;
+constexpr DWORD ERROR_SHARING_VIOLATION = 32;
+constexpr DWORD ERROR_LOCK_VIOLATION = 33;
+constexpr DWORD ERROR_FILE_EXISTS = 80;
 constexpr DWORD ERROR_INVALID_PARAMETER = 87;
+constexpr DWORD ERROR_DISK_FULL = 112;
 constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
+constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
+constexpr DWORD ERROR_ALREADY_EXISTS = 183;
+constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
+constexpr DWORD ERROR_DIRECTORY = 267;
 constexpr DWORD ERROR_DISCARDED = 157;
 constexpr DWORD ERROR_NOT_LOCKED = 158;
 
@@ -109,6 +123,8 @@ YX_PLATFORM void _splitpath(const char* path, char* drive, char* dir, char* fnam
 // has none in front. Null and empty parts are left out.
 YX_PLATFORM void _makepath(char* path, const char* drive, const char* dir, const char* fname, const char* ext);
 
+// Files, folders and the runtime's file functions.
+#include "platform/posix/files_posix.h"
 // Movable memory. A fixed block's handle is its address; a movable block's handle is a token that
 // is never an address of its data, and the data may move while the block is not locked. Blocks
 // are tracked in one table, so a handle that is not a live block is refused with
