@@ -246,6 +246,22 @@ void Report(DWORD error)
     ::SetLastError(error);
 }
 
+// The open file behind a handle that carries `right` (GENERIC_READ or GENERIC_WRITE; 0 for none),
+// or null with the last error set: ERROR_INVALID_HANDLE, or ERROR_ACCESS_DENIED without the right.
+const FileHandle* LookupWith(HANDLE handle, DWORD right)
+{
+    const FileHandle* file = Lookup(handle);
+    if (file == nullptr) {
+        Report(ERROR_INVALID_HANDLE);
+        return nullptr;
+    }
+    if ((file->access & right) != right) {
+        Report(ERROR_ACCESS_DENIED);
+        return nullptr;
+    }
+    return file;
+}
+
 } // namespace
 
 bool IsInUse(const std::string& posixPath)
@@ -369,13 +385,8 @@ BOOL Transfer(HANDLE handle, DWORD right, DWORD count, LPDWORD moved, Step step)
     if (moved != nullptr) {
         *moved = 0;
     }
-    const FileHandle* file = Lookup(handle);
+    const FileHandle* file = LookupWith(handle, right);
     if (file == nullptr) {
-        Report(ERROR_INVALID_HANDLE);
-        return FALSE;
-    }
-    if ((file->access & right) == 0) {
-        Report(ERROR_ACCESS_DENIED);
         return FALSE;
     }
     DWORD done = 0;
@@ -484,13 +495,8 @@ DWORD GetFileSize(HANDLE hFile, LPDWORD lpFileSizeHigh)
 
 BOOL SetEndOfFile(HANDLE hFile)
 {
-    const FileHandle* file = Lookup(hFile);
+    const FileHandle* file = LookupWith(hFile, GENERIC_WRITE);
     if (file == nullptr) {
-        Report(ERROR_INVALID_HANDLE);
-        return FALSE;
-    }
-    if ((file->access & GENERIC_WRITE) == 0) {
-        Report(ERROR_ACCESS_DENIED);
         return FALSE;
     }
     const off_t position = ::lseek(file->fd, 0, SEEK_CUR);
@@ -503,13 +509,8 @@ BOOL SetEndOfFile(HANDLE hFile)
 
 BOOL FlushFileBuffers(HANDLE hFile)
 {
-    const FileHandle* file = Lookup(hFile);
+    const FileHandle* file = LookupWith(hFile, GENERIC_WRITE);
     if (file == nullptr) {
-        Report(ERROR_INVALID_HANDLE);
-        return FALSE;
-    }
-    if ((file->access & GENERIC_WRITE) == 0) {
-        Report(ERROR_ACCESS_DENIED);
         return FALSE;
     }
     if (::fsync(file->fd) != 0) {
