@@ -9,9 +9,9 @@
 #include <cstring>
 #include <mutex>
 #include <string>
-#include <unordered_set>
 
 #include "platform/posix/files_internal.h"
+#include "platform/posix/handle_table.h"
 
 namespace yxposix {
 
@@ -173,14 +173,12 @@ struct FileHandle {
     DWORD access;
 };
 
-std::mutex g_mutex; // the handle table, and share checks between the threads of this process
-std::unordered_set<const void*> g_handles;
+std::mutex g_shareMutex; // share checks between the threads of this process
+yx::platform::HandleTable<FileHandle> g_files;
 
 FileHandle* Lookup(HANDLE handle)
 {
-    const std::lock_guard<std::mutex> guard(g_mutex);
-    auto* file = static_cast<FileHandle*>(handle);
-    return g_handles.count(file) != 0 ? file : nullptr;
+    return g_files.Find(handle);
 }
 
 // Checks `access` and `share` against every other handle on the file, then marks this one.
@@ -326,7 +324,7 @@ HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
         return INVALID_HANDLE_VALUE;
     }
     {
-        const std::lock_guard<std::mutex> guard(g_mutex);
+        const std::lock_guard<std::mutex> guard(g_shareMutex);
         if (!EnterShare(fd, writable, dwDesiredAccess, dwShareMode)) {
             ::close(fd);
             Report(ERROR_SHARING_VIOLATION);
@@ -346,25 +344,14 @@ HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
     } else if ((dwFlagsAndAttributes & FILE_FLAG_RANDOM_ACCESS) != 0) {
         ::posix_fadvise(fd, 0, 0, POSIX_FADV_RANDOM);
     }
-    auto* file = new FileHandle{fd, dwDesiredAccess};
-    {
-        const std::lock_guard<std::mutex> guard(g_mutex);
-        g_handles.insert(file);
-    }
+    HANDLE file = g_files.Add(new FileHandle{fd, dwDesiredAccess});
     Report(exists && creates ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
     return file;
 }
 
 BOOL CloseHandle(HANDLE hObject)
 {
-    FileHandle* file = nullptr;
-    {
-        const std::lock_guard<std::mutex> guard(g_mutex);
-        auto* candidate = static_cast<FileHandle*>(hObject);
-        if (g_handles.erase(candidate) != 0) {
-            file = candidate;
-        }
-    }
+    FileHandle* file = g_files.Take(hObject);
     if (file == nullptr) {
         Report(ERROR_INVALID_HANDLE);
         return FALSE;

@@ -6,12 +6,11 @@
 #include <cctype>
 #include <cerrno>
 #include <cstring>
-#include <mutex>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "platform/posix/files_internal.h"
+#include "platform/posix/handle_table.h"
 
 using namespace yxposix;
 
@@ -109,15 +108,7 @@ struct FindState {
     std::size_t next = 0;
 };
 
-std::mutex g_mutex;
-std::unordered_set<const void*> g_searches;
-
-FindState* Lookup(HANDLE handle)
-{
-    const std::lock_guard<std::mutex> guard(g_mutex);
-    auto* state = static_cast<FindState*>(handle);
-    return g_searches.count(state) != 0 ? state : nullptr;
-}
+yx::platform::HandleTable<FindState> g_searches;
 
 void Fill(const FindState& state, const std::string& name, WIN32_FIND_DATAA* data)
 {
@@ -195,17 +186,14 @@ HANDLE FindFirstFileA(LPCSTR lpFileName, LPWIN32_FIND_DATAA lpFindFileData)
         return INVALID_HANDLE_VALUE;
     }
     Fill(*state, state->names[state->next++], lpFindFileData);
-    {
-        const std::lock_guard<std::mutex> guard(g_mutex);
-        g_searches.insert(state);
-    }
+    HANDLE handle = g_searches.Add(state);
     SetLastError(ERROR_SUCCESS);
-    return state;
+    return handle;
 }
 
 BOOL FindNextFileA(HANDLE hFindFile, LPWIN32_FIND_DATAA lpFindFileData)
 {
-    FindState* state = Lookup(hFindFile);
+    FindState* state = g_searches.Find(hFindFile);
     if (state == nullptr) {
         SetLastError(ERROR_INVALID_HANDLE);
         return FALSE;
@@ -220,14 +208,7 @@ BOOL FindNextFileA(HANDLE hFindFile, LPWIN32_FIND_DATAA lpFindFileData)
 
 BOOL FindClose(HANDLE hFindFile)
 {
-    FindState* state = nullptr;
-    {
-        const std::lock_guard<std::mutex> guard(g_mutex);
-        auto* candidate = static_cast<FindState*>(hFindFile);
-        if (g_searches.erase(candidate) != 0) {
-            state = candidate;
-        }
-    }
+    FindState* state = g_searches.Take(hFindFile);
     if (state == nullptr) {
         SetLastError(ERROR_INVALID_HANDLE);
         return FALSE;
