@@ -119,10 +119,8 @@ TEST(GetTempFileNameA, CreatesAUniqueEmptyFile)
     ASSERT_NE(GetTempFileNameA(root.c_str(), "yxtools", 0, first), 0u);
     ASSERT_NE(GetTempFileNameA(folder.Root().c_str(), "yxtools", 0, second), 0u);
     EXPECT_NE(std::string(first), std::string(second));
-    const std::string name = std::string(first).substr(folder.Root().size());
-    EXPECT_EQ(folder.Root() + name, first);
-    EXPECT_EQ(name.substr(0, 3), "yxt"); // three bytes of the prefix
-    EXPECT_EQ(scratch::fs::file_size(folder.Native(name)), 0u);
+    EXPECT_EQ(std::string(first).rfind(folder.Root() + "yxt", 0), 0u); // three bytes of the prefix
+    EXPECT_EQ(scratch::fs::file_size(folder.Native(std::string(first).substr(folder.Root().size()))), 0u);
     EXPECT_EQ(GetTempFileNameA(folder["missing"].c_str(), "ab", 0, first), 0u);
 }
 
