@@ -102,6 +102,7 @@ TEST(BinaryFile, SeeksAcrossTheNarrowBoundaryIsEofAndStickyCodes)
     EXPECT_TRUE(file.IsEof());
     EXPECT_EQ(file.SeekFromBegin(0x7FFFFFFE), 0x7FFFFFFE); // the narrow form
     EXPECT_EQ(file.SeekFromBegin(0x7FFFFFFF), 0x7FFFFFFF); // the wide form
+    EXPECT_EQ(file.SeekFromBegin(0xFFFFFFFF), 0xFFFFFFFF); // a position, though it reads as the failure value
     EXPECT_TRUE(file.IsEof());
     EXPECT_EQ(file.SeekFromBegin(0x100000010LL), 0x100000010LL);
     // Past 4 GiB, the narrow form and the length give their low 32 bits on every build.
