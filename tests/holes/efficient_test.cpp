@@ -3,14 +3,70 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <random>
 #include <vector>
 
 #include "holes_test_util.h"
 
-using namespace holes_test;
-
 namespace {
+
+bool ByOffset(const tagFILEHOLE& a, const tagFILEHOLE& b)
+{
+    return a.dwOffset < b.dwOffset || (a.dwOffset == b.dwOffset && a.lSize < b.lSize);
+}
+
+std::vector<tagFILEHOLE> SortedByOffset(std::vector<tagFILEHOLE> holes)
+{
+    std::sort(holes.begin(), holes.end(), ByOffset);
+    return holes;
+}
+
+// A view into the list, for checking every invariant after each call.
+class EfficientView : public YXEfficientHoleManager {
+public:
+    // The holes in list order.
+    std::vector<tagFILEHOLE> Holes() const
+    {
+        std::vector<tagFILEHOLE> out;
+        for (std::int32_t i = 0; i < m_lNumberOfHoles; ++i) {
+            out.push_back(m_ppBlocks[i / 200][i % 200]);
+        }
+        return out;
+    }
+    std::int32_t TableSize() const { return m_lBlockTableSize; }
+    std::int32_t BlocksHeld() const { return m_lBlockTableSize - m_wFreeTableEntries; }
+
+    // Every invariant that holds after a public call.
+    ::testing::AssertionResult Check() const
+    {
+        const std::int32_t blocks = BlocksHeld();
+        for (std::int32_t i = 0; i < m_lBlockTableSize; ++i) {
+            HOLES_REQUIRE((m_ppBlocks[i] != nullptr) == (i < blocks)) << " at entry " << i;
+        }
+        HOLES_REQUIRE(m_lFreeEntries == 200 * blocks - m_lNumberOfHoles && m_lFreeEntries < 200);
+        HOLES_REQUIRE(m_lNumberOfHoles > 0 || (m_ppBlocks == nullptr && m_lBlockTableSize == 0));
+        HOLES_REQUIRE(m_ppBlocks == nullptr || (m_lBlockTableSize % 20 == 0 && m_lBlockTableSize > blocks));
+        const std::vector<tagFILEHOLE> holes = Holes();
+        std::uint32_t sum = 0;
+        for (std::size_t i = 0; i < holes.size(); ++i) {
+            sum += static_cast<std::uint32_t>(holes[i].lSize);
+            const tagFILEHOLE& a = i > 0 ? holes[i - 1] : holes[i];
+            const tagFILEHOLE& b = holes[i];
+            HOLES_REQUIRE(m_wSortKey != YXHOLESORT_OFFSET || a.dwOffset <= b.dwOffset) << " " << a << b;
+            HOLES_REQUIRE(m_wSortKey != YXHOLESORT_SIZE || a.lSize <= b.lSize) << " " << a << b;
+            HOLES_REQUIRE(m_wSortKey != YXHOLESORT_SIZE_DESC || a.lSize >= b.lSize) << " " << a << b;
+        }
+        HOLES_REQUIRE(sum == m_dwHolesSize);
+        const std::vector<tagFILEHOLE> sorted = m_bOptimized ? SortedByOffset(holes) : std::vector<tagFILEHOLE>();
+        for (std::size_t i = 1; i < sorted.size(); ++i) {
+            const tagFILEHOLE& a = sorted[i - 1];
+            HOLES_REQUIRE((sorted[i].dwOffset & kLock) || a.dwOffset + std::uint32_t(a.lSize) != sorted[i].dwOffset)
+                << " though optimized: " << a << sorted[i];
+        }
+        return ::testing::AssertionSuccess();
+    }
+};
 
 void AddAll(EfficientView& m, const std::vector<tagFILEHOLE>& holes)
 {
@@ -19,30 +75,14 @@ void AddAll(EfficientView& m, const std::vector<tagFILEHOLE>& holes)
     }
 }
 
-TEST(EfficientHoleManager, EmptyManagerHasNoAnswers)
-{
-    EfficientView m;
-    EXPECT_EQ(m.GetBestHole(1), kNone);
-    EXPECT_EQ(m.GetTruncateOffset(0), kNone);
-    EXPECT_FALSE(m.IsHole(0));
-    EXPECT_EQ(m.RemoveHole(0, 0), nullptr);
-    EXPECT_FALSE(m.UnlockHole(0));
-    EXPECT_FALSE(m.UnlockAllHoles());
-    EXPECT_EQ(m.GetNumberOfHoles(), 0);
-    EXPECT_FALSE(m.HasTable());
-    EXPECT_TRUE(m.Check());
-}
-
 TEST(EfficientHoleManager, WorkedRun)
 {
     EfficientView m;
     AddAll(m, {{1000, 100}, {1100, 50}, {5000, 30}});
-    EXPECT_EQ(m.GetNumberOfHoles(), 3);
     EXPECT_EQ(m.GetHolesSize(), 180u);
     EXPECT_EQ(m.GetBestHole(30), 5000u); // merges the first two, then fits exactly
     EXPECT_EQ(m.GetNumberOfHoles(), 2);
     EXPECT_EQ(m.RemoveHole(5000, 30), nullptr);
-    EXPECT_EQ(m.GetNumberOfHoles(), 1);
     EXPECT_EQ(m.GetHolesSize(), 150u);
     EXPECT_EQ(m.GetBestHole(100), 1000u); // the largest
     const tagFILEHOLE* rest = m.RemoveHole(1000, 100);
@@ -51,7 +91,8 @@ TEST(EfficientHoleManager, WorkedRun)
     EXPECT_EQ(m.GetHolesSize(), 50u);
     EXPECT_EQ(m.GetTruncateOffset(1150), 1100u);
     EXPECT_EQ(m.GetTruncateOffset(1151), kNone);
-    EXPECT_TRUE(m.Check());
+    EXPECT_EQ(m.RemoveHole(1100, 0), nullptr);
+    EXPECT_TRUE(m.Check()); // the last removal released all memory
 }
 
 // What remains after a merge pass, for holes added in every order.
@@ -62,80 +103,22 @@ TEST(EfficientHoleManager, MergePassesOverEveryAddingOrder)
         std::vector<tagFILEHOLE> added;
         std::vector<tagFILEHOLE> after;
     } cases[] = {
-        {{{100, 50}, {150, 50}}, {{100, 100}}},
         {{{100, 50}, {150, 50}, {200, 50}}, {{100, 150}}},
-        {{{100, 50}, {151, 50}}, {{100, 50}, {151, 50}}},                       // a gap
-        {{{100, 50}, {150, 50}, {201, 10}, {211, 5}}, {{100, 100}, {201, 15}}}, // two chains
-        {{{100, 50}, {150, 0}}, {{100, 50}}},                                   // an empty hole merges
-        {{{100, 50}, {300, 0}}, {{100, 50}, {300, 0}}},                         // kept: nothing merged
-        {{{100, 50}, {150 | L, 50}}, {{100, 50}, {150 | L, 50}}},               // locked: never merged
-        {{{100 | L, 50}, {150 | L, 50}}, {{100 | L, 50}, {150 | L, 50}}},
+        {{{100, 50}, {150, 50}, {201, 10}, {211, 5}}, {{100, 100}, {201, 15}}},                 // two chains and a gap
+        {{{100, 50}, {150, 0}}, {{100, 50}}},                                                   // an empty hole merges
+        {{{100, 50}, {300, 0}}, {{100, 50}, {300, 0}}},                                         // kept: nothing merged
+        {{{100, 50}, {150 | L, 50}, {200 | L, 50}}, {{100, 50}, {150 | L, 50}, {200 | L, 50}}}, // locked
         {{{100, 50}, {150, 50}, {200 | L, 50}}, {{100, 100}, {200 | L, 50}}},
     };
     for (const auto& c : cases) {
-        std::vector<tagFILEHOLE> order = c.added;
-        std::sort(order.begin(), order.end(), ByOffset);
+        std::vector<tagFILEHOLE> order = SortedByOffset(c.added);
         do {
-            for (const bool viaTruncate : {false, true}) {
-                EfficientView m;
-                AddAll(m, order);
-                if (viaTruncate) {
-                    m.GetTruncateOffset(0);
-                } else {
-                    m.GetBestHole(1000000);
-                }
-                EXPECT_EQ(SortedByOffset(m.Holes()), SortedByOffset(c.after)) << c.added.size() << " holes";
-                unsigned long sum = 0;
-                for (const tagFILEHOLE& h : c.added) {
-                    sum += static_cast<unsigned long>(h.lSize);
-                }
-                EXPECT_EQ(m.GetHolesSize(), sum);
-                EXPECT_TRUE(m.Check());
-            }
+            EfficientView m;
+            AddAll(m, order);
+            m.GetBestHole(1000000);
+            EXPECT_EQ(SortedByOffset(m.Holes()), c.after) << c.added.size() << " holes";
+            EXPECT_TRUE(m.Check());
         } while (std::next_permutation(order.begin(), order.end(), ByOffset));
-    }
-}
-
-TEST(EfficientHoleManager, UnlockingLetsHolesMerge)
-{
-    EfficientView m;
-    AddAll(m, {{100, 50}, {150 | kLock, 50}, {200 | kLock, 50}});
-    EXPECT_EQ(m.GetBestHole(150), kNone);
-    EXPECT_EQ(m.GetNumberOfHoles(), 3);
-    EXPECT_TRUE(m.UnlockAllHoles());
-    EXPECT_FALSE(m.UnlockAllHoles());
-    EXPECT_EQ(m.GetBestHole(150), 100u);
-    EXPECT_EQ(m.GetNumberOfHoles(), 1);
-    EXPECT_EQ(m.GetHolesSize(), 150u);
-}
-
-TEST(EfficientHoleManager, ExactFitElseLargest)
-{
-    const struct {
-        std::vector<std::int32_t> sizes;
-        long footPrint;
-        long request;
-        std::int32_t answerSize; // 0: no answer
-    } cases[] = {
-        {{10, 50, 80}, 0, 50, 50}, {{10, 50, 80}, 0, 30, 80}, {{10, 50, 80}, 0, 81, 0}, {{80}, 10, 75, 0},
-        {{80}, 10, 70, 80},        {{80}, 10, 80, 80},        {{80, 10}, 10, 10, 10},
-    };
-    for (const auto& c : cases) {
-        EfficientView m;
-        m.SetHoleFootPrint(c.footPrint);
-        std::uint32_t offset = 0;
-        for (std::int32_t size : c.sizes) {
-            m.AddHole(offset, size);
-            offset += 1000; // a gap after each hole, so that nothing merges
-        }
-        const unsigned long answer = m.GetBestHole(c.request);
-        if (c.answerSize == 0) {
-            EXPECT_EQ(answer, kNone) << "request " << c.request;
-            continue;
-        }
-        ASSERT_NE(answer, kNone) << "request " << c.request;
-        const auto it = std::find(c.sizes.begin(), c.sizes.end(), c.answerSize);
-        EXPECT_EQ(answer, 1000u * static_cast<unsigned long>(it - c.sizes.begin())) << "request " << c.request;
     }
 }
 
@@ -149,115 +132,30 @@ TEST(EfficientHoleManager, AmongEqualHolesTheSortDecides)
     EXPECT_EQ(m.Holes(), (std::vector<tagFILEHOLE>{{10, 5}, {30, 5}, {20, 5}}));
 }
 
-TEST(EfficientHoleManager, RemovingWholeAndPartHoles)
+// Only the start of a hole is a hole; a locked one is found with or without its bit.
+TEST(EfficientHoleManager, HolesAreFoundByTheirStart)
 {
-    for (const long whole : {0L, 50L}) {
-        EfficientView m;
-        AddAll(m, {{100, 50}, {300, 20}});
-        EXPECT_EQ(m.RemoveHole(100, whole), nullptr);
-        EXPECT_EQ(m.Holes(), (std::vector<tagFILEHOLE>{{300, 20}}));
-        EXPECT_EQ(m.GetHolesSize(), 20u);
-    }
     EfficientView m;
-    AddAll(m, {{100, 50}, {300, 20}});
-    EXPECT_EQ(m.RemoveHole(120, 10), nullptr); // inside a hole, not its start
+    AddAll(m, {{100, 50}, {300 | kLock, 20}});
+    EXPECT_EQ(m.RemoveHole(120, 10), nullptr);
+    EXPECT_FALSE(m.IsHole(120));
+    EXPECT_TRUE(m.IsHole(300) && m.IsHole(300 | kLock));
     EXPECT_EQ(m.GetHolesSize(), 70u);
-    const tagFILEHOLE* rest = m.RemoveHole(100, 30);
-    ASSERT_NE(rest, nullptr);
-    EXPECT_EQ(*rest, (tagFILEHOLE{130, 20}));
-    EXPECT_EQ(m.GetHolesSize(), 40u);
-    EXPECT_EQ(m.SortKey(), YXHOLESORT_OFFSET); // the start moved inside its own range
-    EXPECT_TRUE(m.IsHole(130));
-    EXPECT_TRUE(m.Check());
 }
 
-TEST(EfficientHoleManager, LockedHoles)
+TEST(EfficientHoleManager, BlocksAndTableFollowTheCount)
 {
     EfficientView m;
-    AddAll(m, {{100 | kLock, 50}, {500, 80}});
-    EXPECT_TRUE(m.IsHole(100));
-    EXPECT_TRUE(m.IsHole(100 | kLock));
-    EXPECT_FALSE(m.UnlockHole(500));
-    // A locked hole of exactly the size asked for is the answer, bit 31 included.
-    EXPECT_EQ(m.GetBestHole(50), 100u | kLock);
-    EXPECT_EQ(m.RemoveHole(100 | kLock, 50), nullptr);
-    EXPECT_EQ(m.GetNumberOfHoles(), 1);
-
-    // The rest of a locked hole is unlocked.
-    m.AddHole(100 | kLock, 50);
-    const tagFILEHOLE* rest = m.RemoveHole(100, 20);
-    ASSERT_NE(rest, nullptr);
-    EXPECT_EQ(*rest, (tagFILEHOLE{120, 30}));
-    EXPECT_EQ(m.SortKey(), YXHOLESORT_NONE);
-    EXPECT_FALSE(m.Optimized());
-    EXPECT_FALSE(m.UnlockHole(120));
-
-    m.AddHole(700 | kLock, 10);
-    EXPECT_TRUE(m.UnlockHole(700));
-    EXPECT_TRUE(m.IsHole(700));
-    EXPECT_FALSE(m.IsHole(700 | kLock) && m.UnlockHole(700));
-    EXPECT_EQ(m.RemoveHole(700, 0), nullptr);
-    EXPECT_FALSE(m.IsHole(700));
-    EXPECT_TRUE(m.Check());
-}
-
-TEST(EfficientHoleManager, TruncateOffset)
-{
-    EfficientView m;
-    AddAll(m, {{100, 50}, {900, 100}});
-    EXPECT_EQ(m.GetTruncateOffset(1000), 900u);
-    EXPECT_EQ(m.GetNumberOfHoles(), 2); // still there
-    EXPECT_EQ(m.GetTruncateOffset(1001), kNone);
-    m.AddHole(10 | kLock, 5);
-    EXPECT_EQ(m.GetTruncateOffset(1000), kNone);
-    EXPECT_EQ(m.GetTruncateOffset(15 | kLock), 10u | kLock);
-}
-
-TEST(EfficientHoleManager, BlocksFollowTheCount)
-{
-    EfficientView m;
-    for (std::uint32_t i = 0; i < 200; ++i) {
-        m.AddHole(i * 10, 5);
-    }
-    EXPECT_EQ(m.BlocksHeld(), 1);
-    EXPECT_EQ(m.FreeEntries(), 0);
-    EXPECT_EQ(m.TableSize(), 20);
-    m.AddHole(5000, 5);
-    EXPECT_EQ(m.BlocksHeld(), 2);
-    EXPECT_EQ(m.FreeEntries(), 199);
-    EXPECT_EQ(m.RemoveHole(5000, 5), nullptr);
-    EXPECT_EQ(m.BlocksHeld(), 1); // 200 free entries: the block goes at once
-    EXPECT_EQ(m.FreeEntries(), 0);
-    EXPECT_TRUE(m.Check());
-    for (std::uint32_t i = 0; i < 200; ++i) {
-        EXPECT_EQ(m.RemoveHole(i * 10, 0), nullptr);
-    }
-    EXPECT_FALSE(m.HasTable());
-    EXPECT_EQ(m.TableSize(), 0);
-    EXPECT_TRUE(m.AddHole(7, 7));
-    EXPECT_EQ(m.GetBestHole(7), 7u);
-    EXPECT_TRUE(m.Check());
-}
-
-TEST(EfficientHoleManager, TableGrowsAtThe3801stHole)
-{
-    EfficientView m;
-    for (std::uint32_t i = 0; i < 3800; ++i) {
-        m.AddHole(i * 10, static_cast<long>(i % 7));
-    }
-    EXPECT_EQ(m.TableSize(), 20);
-    EXPECT_EQ(m.BlocksHeld(), 19);
-    m.AddHole(3800 * 10, 1);
-    EXPECT_EQ(m.TableSize(), 40);
-    EXPECT_EQ(m.BlocksHeld(), 20);
-    std::vector<tagFILEHOLE> holes = m.Holes();
-    ASSERT_EQ(holes.size(), 3801u);
     for (std::uint32_t i = 0; i <= 3800; ++i) {
-        EXPECT_EQ(holes[i].dwOffset, i * 10);
+        ASSERT_TRUE(m.AddHole(i * 10, static_cast<long>(i % 7)));
+        ASSERT_EQ(m.BlocksHeld(), static_cast<std::int32_t>(i / 200 + 1));
+        ASSERT_EQ(m.TableSize(), i < 3800 ? 20 : 40);
     }
-    m.SortHoles(YXHOLESORT_SIZE);
+    EXPECT_TRUE(m.IsHole(38000)); // sorted across the grown table
     EXPECT_TRUE(m.Check());
-    EXPECT_TRUE(m.IsHole(3800 * 10));
+    EXPECT_EQ(m.RemoveHole(38000, 0), nullptr);
+    EXPECT_EQ(m.BlocksHeld(), 19); // 200 free entries: the block goes at once
+    EXPECT_TRUE(m.Check());
 }
 
 // The table's entry count is 16 bits wide: 65535 blocks, that is 13107000 holes, are the most a
@@ -270,44 +168,12 @@ TEST(EfficientHoleManager, ListStopsAtTheTableLimit)
     EfficientView m;
     constexpr std::int32_t kMost = 65535 * 200;
     for (std::int32_t i = 0; i < kMost; ++i) {
-        if (!m.AddHole(static_cast<unsigned long>(i) * 2, 1)) {
-            FAIL() << "refused hole " << i;
-        }
+        ASSERT_TRUE(m.AddHole(static_cast<unsigned long>(i) * 2, 1)) << i;
     }
-    EXPECT_EQ(m.TableSize(), 65535);
     EXPECT_FALSE(m.AddHole(1, 1));
     EXPECT_EQ(m.GetNumberOfHoles(), kMost);
-    EXPECT_EQ(m.GetHolesSize(), static_cast<unsigned long>(kMost));
     EXPECT_EQ(m.RemoveHole(0, 0), nullptr);
     EXPECT_TRUE(m.AddHole(1, 1));
-}
-
-TEST(EfficientHoleManager, SortHolesTrustsTheKeyThatHolds)
-{
-    EfficientView m;
-    AddAll(m, {{300, 1}, {100, 3}, {200, 2}});
-    m.SortHoles(YXHOLESORT_SIZE);
-    EXPECT_EQ(m.Holes(), (std::vector<tagFILEHOLE>{{300, 1}, {200, 2}, {100, 3}}));
-    m.Poke(0, {300, 9}); // out of order behind the manager's back
-    m.SortHoles(YXHOLESORT_SIZE);
-    EXPECT_EQ(m.Holes()[0], (tagFILEHOLE{300, 9}));
-    m.SortHoles(YXHOLESORT_SIZE_DESC);
-    EXPECT_EQ(m.Holes(), (std::vector<tagFILEHOLE>{{300, 9}, {100, 3}, {200, 2}}));
-
-    // A key outside the table sorts by offset and is kept, so the next lookup sorts again.
-    m.SortHoles(7);
-    EXPECT_EQ(m.SortKey(), 7);
-    EXPECT_EQ(m.Holes(), (std::vector<tagFILEHOLE>{{100, 3}, {200, 2}, {300, 9}}));
-    m.Poke(0, {400, 3});
-    EXPECT_TRUE(m.IsHole(400));
-    EXPECT_EQ(m.SortKey(), YXHOLESORT_OFFSET);
-
-    EfficientView one;
-    one.SortHoles(YXHOLESORT_SIZE);
-    EXPECT_EQ(one.SortKey(), YXHOLESORT_SIZE);
-    one.AddHole(5, 5);
-    one.SortHoles(YXHOLESORT_SIZE_DESC);
-    EXPECT_EQ(one.SortKey(), YXHOLESORT_SIZE_DESC);
 }
 
 // A host's file, allocated and freed at random through the manager, against a plain list of
@@ -316,56 +182,59 @@ class HostModel {
 public:
     explicit HostModel(std::uint32_t seed) : m_rng(seed) {}
 
+    std::size_t most = 0; // the most holes held at once
+
     void Run(int steps)
     {
         for (int step = 0; step < steps && !::testing::Test::HasFailure(); ++step) {
             const unsigned op = Next(100);
-            const bool growing = (step / 3000) % 2 == 0;
-            if (op < (growing ? 55U : 25U)) {
+            if (op < ((step / 3000) % 2 == 0 ? 55U : 25U)) { // the file grows, then shrinks, in turn
                 Allocate();
-            } else if (op < 80) {
-                Free();
+            } else if (op < 80 && !m_used.empty()) { // a block freed, now and then locked
+                const auto block = std::next(m_used.begin(), Next(static_cast<unsigned>(m_used.size())));
+                m_holes.push_back({block->first | (Next(10) == 0 ? kLock : 0), block->second});
+                ASSERT_TRUE(m_manager.AddHole(m_holes.back().dwOffset, m_holes.back().lSize));
+                m_used.erase(block);
             } else if (op < 86) {
                 Truncate();
-            } else if (op < 92) {
-                Lookup();
-            } else if (op < 97) {
-                Unlock();
-            } else if (op < 98) {
+            } else if (op < 97 && !m_holes.empty()) {
+                tagFILEHOLE& h = Any();
+                ASSERT_EQ(m_manager.UnlockHole(h.dwOffset & ~kLock), (h.dwOffset & kLock) != 0);
+                h.dwOffset &= ~kLock;
+            } else if (op == 97) {
                 m_manager.SetHoleFootPrint(static_cast<long>(Next(16)));
-            } else if (op < 99) {
-                EXPECT_TRUE(m_manager.UnlockAllHoles() == HasLocked());
+            } else if (op == 98) {
+                bool locked = false;
                 for (tagFILEHOLE& h : m_holes) {
+                    locked = locked || (h.dwOffset & kLock) != 0;
                     h.dwOffset &= ~kLock;
                 }
-            } else if (Next(20) == 0) {
+                ASSERT_EQ(m_manager.UnlockAllHoles(), locked);
+            } else if (op == 99 && Next(20) == 0) {
                 m_manager.ClearHoleList(); // the host forgets its holes; the file keeps its length
                 m_holes.clear();
             }
             ASSERT_TRUE(m_manager.Check()) << "step " << step;
             ASSERT_EQ(SortedByOffset(m_manager.Holes()), SortedByOffset(m_holes)) << "step " << step;
-            m_most = std::max(m_most, m_holes.size());
+            most = std::max(most, m_holes.size());
         }
     }
-    std::size_t Most() const { return m_most; }
 
 private:
     unsigned Next(unsigned n) { return static_cast<unsigned>(m_rng() % n); }
-
-    bool HasLocked() const
+    tagFILEHOLE& Any() { return m_holes[Next(static_cast<unsigned>(m_holes.size()))]; }
+    std::vector<tagFILEHOLE>::iterator Find(std::uint32_t offset)
     {
-        return std::any_of(m_holes.begin(), m_holes.end(), [](const tagFILEHOLE& h) { return h.dwOffset & kLock; });
+        return std::find_if(m_holes.begin(), m_holes.end(), [=](const tagFILEHOLE& h) { return h.dwOffset == offset; });
     }
 
     // The merge pass, on the plain list.
     void Merge()
     {
-        std::vector<tagFILEHOLE> sorted = SortedByOffset(m_holes);
         std::vector<tagFILEHOLE> merged;
-        for (const tagFILEHOLE& h : sorted) {
-            const bool locked = (h.dwOffset & kLock) != 0;
-            if (!locked && !merged.empty() && (merged.back().dwOffset & kLock) == 0 &&
-                merged.back().dwOffset + static_cast<std::uint32_t>(merged.back().lSize) == h.dwOffset) {
+        for (const tagFILEHOLE& h : SortedByOffset(m_holes)) {
+            if (!merged.empty() && ((merged.back().dwOffset | h.dwOffset) & kLock) == 0 &&
+                merged.back().dwOffset + std::uint32_t(merged.back().lSize) == h.dwOffset) {
                 merged.back().lSize += h.lSize;
             } else {
                 merged.push_back(h);
@@ -374,12 +243,7 @@ private:
         m_holes = merged;
     }
 
-    std::vector<tagFILEHOLE>::iterator Find(std::uint32_t offset)
-    {
-        return std::find_if(m_holes.begin(), m_holes.end(),
-                            [offset](const tagFILEHOLE& h) { return h.dwOffset == offset; });
-    }
-
+    // An exact fit, else the largest hole if it leaves the foot print, else the end of the file.
     void Allocate()
     {
         const auto size = static_cast<std::int32_t>(1 + Next(Next(4) == 0 ? 400 : 40));
@@ -392,9 +256,8 @@ private:
             exact = exact || h.lSize == size;
         }
         if (answer == kNone) {
-            ASSERT_FALSE(exact);
-            ASSERT_FALSE(largest >= 0 && largest >= size + m_manager.GetHoleFootPrint()) << "request " << size;
-            m_allocated[m_fileLength] = size;
+            ASSERT_FALSE(exact || largest >= size + m_manager.GetHoleFootPrint()) << "request " << size;
+            m_used[m_fileLength] = size;
             m_fileLength += static_cast<std::uint32_t>(size);
             return;
         }
@@ -402,70 +265,36 @@ private:
         ASSERT_NE(hole, m_holes.end()) << "answer " << answer << " is no hole";
         ASSERT_EQ(hole->lSize, exact ? size : largest) << "request " << size;
         const tagFILEHOLE* rest = m_manager.RemoveHole(answer, size);
-        m_allocated[hole->dwOffset & ~kLock] = size;
-        if (hole->lSize == size) {
-            ASSERT_EQ(rest, nullptr);
+        m_used[hole->dwOffset & ~kLock] = size;
+        *hole = {(hole->dwOffset & ~kLock) + static_cast<std::uint32_t>(size), hole->lSize - size};
+        ASSERT_EQ(rest == nullptr, hole->lSize == 0);
+        if (rest == nullptr) {
             m_holes.erase(hole);
         } else {
-            hole->dwOffset = (hole->dwOffset & ~kLock) + static_cast<std::uint32_t>(size);
-            hole->lSize -= size;
-            ASSERT_NE(rest, nullptr);
             ASSERT_EQ(*rest, *hole);
         }
-    }
-
-    void Free()
-    {
-        if (m_allocated.empty()) {
-            return;
-        }
-        auto block = m_allocated.begin();
-        std::advance(block, Next(static_cast<unsigned>(m_allocated.size())));
-        const std::uint32_t offset = block->first | (Next(10) == 0 ? kLock : 0);
-        ASSERT_TRUE(m_manager.AddHole(offset, block->second));
-        m_holes.push_back({offset, block->second});
-        m_allocated.erase(block);
     }
 
     void Truncate()
     {
         const unsigned long answer = m_manager.GetTruncateOffset(m_fileLength);
         Merge();
-        const std::vector<tagFILEHOLE> sorted = SortedByOffset(m_holes);
-        const bool expected =
-            !sorted.empty() && sorted.back().dwOffset + std::uint32_t(sorted.back().lSize) == m_fileLength;
-        ASSERT_EQ(answer, expected ? sorted.back().dwOffset : kNone);
-        if (expected) {
-            ASSERT_EQ(m_manager.RemoveHole(answer, 0), nullptr);
-            m_holes.erase(Find(sorted.back().dwOffset));
-            m_fileLength = static_cast<std::uint32_t>(answer);
-        }
-    }
-
-    void Lookup()
-    {
-        const std::uint32_t offset =
-            m_holes.empty() || Next(3) == 0 ? Next(m_fileLength + 1) : m_holes[Next(unsigned(m_holes.size()))].dwOffset;
-        const bool expected = Find(offset & ~kLock) != m_holes.end() || Find(offset | kLock) != m_holes.end();
-        ASSERT_EQ(m_manager.IsHole(offset), expected) << offset;
-    }
-
-    void Unlock()
-    {
-        if (m_holes.empty()) {
+        const auto last = std::max_element(m_holes.begin(), m_holes.end(), ByOffset);
+        if (last == m_holes.end() || last->dwOffset + std::uint32_t(last->lSize) != m_fileLength) {
+            ASSERT_EQ(answer, kNone);
             return;
         }
-        tagFILEHOLE& h = m_holes[Next(unsigned(m_holes.size()))];
-        ASSERT_EQ(m_manager.UnlockHole(h.dwOffset & ~kLock), (h.dwOffset & kLock) != 0);
-        h.dwOffset &= ~kLock;
+        ASSERT_EQ(answer, last->dwOffset);
+        ASSERT_EQ(m_manager.RemoveHole(answer, 0), nullptr);
+        m_fileLength = last->dwOffset;
+        m_holes.erase(last);
     }
 
     std::mt19937 m_rng;
     EfficientView m_manager;
     std::vector<tagFILEHOLE> m_holes;
-    std::map<std::uint32_t, std::int32_t> m_allocated;
+    std::map<std::uint32_t, std::int32_t> m_used; // allocated blocks by offset
     std::uint32_t m_fileLength = 0;
-    std::size_t m_most = 0;
 };
 
 TEST(EfficientHoleManager, RandomHostAgainstAPlainList)
@@ -473,11 +302,100 @@ TEST(EfficientHoleManager, RandomHostAgainstAPlainList)
     for (const std::uint32_t seed : {1U, 2U}) {
         HostModel model(seed);
         model.Run(9000);
-        EXPECT_GT(model.Most(), 200u) << "the run should cross a block boundary";
-        if (HasFailure()) {
-            FAIL() << "seed " << seed;
-        }
+        EXPECT_GT(model.most, 200u) << "the run should cross a block boundary";
+        ASSERT_FALSE(HasFailure()) << "seed " << seed;
     }
+}
+
+struct Destroy {
+    void operator()(YXHoleManager* p) const { DestroyHoleManager(&p); }
+};
+using ManagerPtr = std::unique_ptr<YXHoleManager, Destroy>;
+
+class EveryManager : public ::testing::TestWithParam<unsigned short> {
+protected:
+    ManagerPtr Make() const { return ManagerPtr(CreateHoleManager(GetParam())); }
+    bool Speed() const { return GetParam() == YXHOLEMANAGER_SPEED; }
+};
+
+// A new manager, one whose last hole has gone, and a cleared one have no answers; the foot print
+// outlives the list.
+TEST_P(EveryManager, EmptyManagersHaveNoAnswers)
+{
+    ManagerPtr m = Make();
+    m->SetHoleFootPrint(3);
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(m->GetBestHole(0) & m->GetTruncateOffset(0), kNone);
+        EXPECT_EQ(m->RemoveHole(0, 0), nullptr);
+        EXPECT_FALSE(m->IsHole(0) || m->GetNumberOfHoles() != 0 || m->GetHolesSize() != 0);
+        EXPECT_EQ(m->GetHoleFootPrint(), 3);
+        ASSERT_TRUE(m->AddHole(100, 10));
+        EXPECT_TRUE(round == 0 ? m->RemoveHole(100, 10) == nullptr : m->ClearHoleList());
+    }
+}
+
+// A hole of 100 under each foot print, set while the hole is held: which requests it takes.
+TEST_P(EveryManager, FootPrintRule)
+{
+    const struct {
+        long footPrint;
+        long request;
+        bool taken;
+    } cases[] = {{0, 100, true}, {0, 99, true}, {0, 101, false}, {10, 100, true}, {10, 90, true}, {10, 91, false}};
+    ManagerPtr m = Make();
+    m->AddHole(4000, 100);
+    for (const auto& c : cases) {
+        m->SetHoleFootPrint(c.footPrint);
+        EXPECT_EQ(m->GetBestHole(c.request), c.taken ? 4000u : kNone)
+            << "foot print " << c.footPrint << ", request " << c.request;
+    }
+}
+
+// Touching holes that end a file of 200: the efficient manager merges them and knows where they
+// start; the speed manager keeps two and answers neither question.
+TEST_P(EveryManager, WhatEachManagerKnows)
+{
+    ManagerPtr m = Make();
+    m->AddHole(100, 50);
+    m->AddHole(150, 50);
+    EXPECT_EQ(m->GetBestHole(100), Speed() ? kNone : 100u);
+    EXPECT_EQ(m->GetNumberOfHoles(), Speed() ? 2 : 1);
+    EXPECT_EQ(m->IsHole(100), !Speed());
+    EXPECT_EQ(m->GetTruncateOffset(200), Speed() ? kNone : 100u);
+    EXPECT_EQ(m->GetHolesSize(), 100u);
+}
+
+// Sizes and sums are 32-bit on every build: the sum wraps, and "none" is 0xFFFFFFFF.
+TEST_P(EveryManager, ThirtyTwoBitArithmetic)
+{
+    ManagerPtr m = Make();
+    m->AddHole(0, 0x7FFFFFFF);
+    m->AddHole(0x7FFFFFFF, 0x7FFFFFFF);
+    m->AddHole(0x40000000, 2);
+    EXPECT_EQ(m->GetHolesSize(), 0u);
+    m->ClearHoleList();
+    m->AddHole(0, 10);
+    EXPECT_EQ(m->GetBestHole(11), 0xFFFFFFFFUL);
+    // Request plus foot print is a 32-bit sum too: past the top it wraps below every hole.
+    m->SetHoleFootPrint(0x7FFFFFFF);
+    EXPECT_EQ(m->GetBestHole(2), 0u);
+    EXPECT_EQ(m->GetBestHole(0), kNone);
+}
+
+INSTANTIATE_TEST_SUITE_P(Holes, EveryManager, ::testing::Values(YXHOLEMANAGER_SPEED, YXHOLEMANAGER_EFFICIENT),
+                         [](const ::testing::TestParamInfo<unsigned short>& kind) {
+                             return kind.param == YXHOLEMANAGER_SPEED ? "Speed" : "Efficient";
+                         });
+
+TEST(HoleManagerCreation, KindsAndDestruction)
+{
+    EXPECT_EQ(CreateHoleManager(0), nullptr);
+    EXPECT_EQ(CreateHoleManager(3), nullptr);
+    YXHoleManager* manager = CreateHoleManager(YXHOLEMANAGER_EFFICIENT);
+    manager->AddHole(1, 1); // destroyed with its memory
+    EXPECT_FALSE(DestroyHoleManager(&manager));
+    EXPECT_EQ(manager, nullptr);
+    EXPECT_FALSE(DestroyHoleManager(&manager));
 }
 
 } // namespace

@@ -10,25 +10,30 @@
 
 #include "holes_test_util.h"
 
-using namespace holes_test;
-
 namespace {
 
-// Removes every cell and gives the (value, data) pairs in the order they came out.
-std::vector<std::pair<long, unsigned long>> Drain(YXPriorityQueue& q)
-{
-    std::vector<std::pair<long, unsigned long>> out;
-    long value = 0;
-    unsigned long data = 0;
-    while (q.RemoveHead(value, data) == 0) {
-        out.emplace_back(value, data);
+// A view into the heap, for checking handles and order after each call.
+class QueueView : public YXPriorityQueue {
+public:
+    using YXPriorityQueue::YXPriorityQueue;
+    std::int32_t Size() const { return m_lSize; }
+    const tagPQCELL& Cell(std::int32_t i) const { return m_pCells[i]; }
+
+    // Heap order, handles equal to indices, and the last-cell pointer.
+    ::testing::AssertionResult Check() const
+    {
+        HOLES_REQUIRE(m_lSize == 0 || m_pLast == m_pCells + m_lSize);
+        for (std::int32_t i = 1; i <= m_lSize; ++i) {
+            HOLES_REQUIRE(i == 1 || m_pCells[i].lValue >= m_pCells[i / 2].lValue) << " at cell " << i;
+            HOLES_REQUIRE(m_pCells[i].plIndex == nullptr || *m_pCells[i].plIndex == i) << " at cell " << i;
+        }
+        return ::testing::AssertionSuccess();
     }
-    return out;
-}
+};
 
 TEST(PriorityQueue, NewQueueIsEmpty)
 {
-    QueueView q;
+    YXPriorityQueue q;
     long value = 7;
     unsigned long data = 7;
     EXPECT_EQ(q.IsEmpty(), 1);
@@ -36,177 +41,165 @@ TEST(PriorityQueue, NewQueueIsEmpty)
     EXPECT_EQ(q.RemoveHead(value, data), -1);
     EXPECT_EQ(q.RemoveAddHead(value, data, 1, 1, nullptr), -1);
     EXPECT_EQ(q.IsEmpty(), 1);
-    EXPECT_EQ(value, 7);
-    EXPECT_EQ(data, 7u);
-    EXPECT_EQ(q.Capacity(), 100);
+    EXPECT_EQ(value + static_cast<long>(data), 14);
 }
 
-TEST(PriorityQueue, SmallestFirstInEveryAddingOrder)
-{
-    std::vector<long> values{1, 3, 5};
-    do {
-        YXPriorityQueue q;
-        for (long v : values) {
-            ASSERT_TRUE(q.AddValue(v, static_cast<unsigned long>(v * 10), nullptr));
-        }
-        EXPECT_EQ(q.IsEmpty(), 0);
-        long value = 0;
-        unsigned long data = 0;
-        EXPECT_EQ(q.ReadHead(value, data), -1);
-        EXPECT_EQ(value, 1);
-        EXPECT_EQ(Drain(q), (std::vector<std::pair<long, unsigned long>>{{1, 10}, {3, 30}, {5, 50}}));
-    } while (std::next_permutation(values.begin(), values.end()));
-}
-
-TEST(PriorityQueue, ValuesAreSigned32Bit)
-{
-    YXPriorityQueue q;
-    q.AddValue(5, 1, nullptr);
-    q.AddValue(-5, 2, nullptr);
-    q.AddValue(INT32_MIN, 3, nullptr); // the sentinel's own value still comes out first
-    q.AddValue(INT32_MAX, 4, nullptr);
-    EXPECT_EQ(Drain(q), (std::vector<std::pair<long, unsigned long>>{{INT32_MIN, 3}, {-5, 2}, {5, 1}, {INT32_MAX, 4}}));
-}
-
-TEST(PriorityQueue, GrowsByTheIncrement)
-{
-    QueueView q(100);
-    std::vector<long> handles(101, -1);
-    for (int i = 0; i < 101; ++i) {
-        ASSERT_TRUE(q.AddValue(100 - i, static_cast<unsigned long>(i), &handles[static_cast<std::size_t>(i)]));
-        ASSERT_TRUE(q.Check());
-    }
-    EXPECT_EQ(q.Capacity(), 200);
-    EXPECT_EQ(handles[100], 1); // the smallest value, added last, rose to the head
-}
-
+// A negative increment is refused as one of 0 is: the capacity never shrinks.
 TEST(PriorityQueue, IncrementOfZeroOrLessRefusesEveryCell)
 {
     for (const long increment : {0L, -1L}) {
-        QueueView q(increment);
+        YXPriorityQueue q(increment);
         EXPECT_FALSE(q.AddValue(1, 1, nullptr));
         EXPECT_FALSE(q.AddValue(1, 1, nullptr));
         EXPECT_EQ(q.IsEmpty(), 1);
-        EXPECT_EQ(q.Capacity(), 0);
     }
-}
-
-TEST(PriorityQueue, ChangeValueMovesTheCell)
-{
-    QueueView q;
-    long h[4] = {};
-    q.AddValue(1, 0, &h[0]);
-    q.AddValue(2, 1, &h[1]);
-    q.AddValue(3, 2, &h[2]);
-    q.AddValue(4, 3, &h[3]);
-    q.ChangeValue(h[2], 3); // same value: nothing moves
-    EXPECT_EQ(h[2], 3);
-    q.ChangeValue(h[0], 10); // the head sinks and its smaller child rises
-    EXPECT_EQ(h[1], 1);
-    EXPECT_TRUE(q.Check());
-    q.ChangeValue(h[3], 0);
-    EXPECT_EQ(h[3], 1);
-    EXPECT_TRUE(q.Check());
-}
-
-TEST(PriorityQueue, RemoveCellBounds)
-{
-    QueueView q;
-    long h[3] = {};
-    for (int i = 0; i < 3; ++i) {
-        q.AddValue(i, static_cast<unsigned long>(i), &h[i]);
-    }
-    EXPECT_EQ(q.RemoveCell(4), -1);
-    EXPECT_EQ(q.Size(), 3);
-    EXPECT_EQ(q.RemoveCell(3), 0); // the last cell: nothing else moves
-    EXPECT_EQ(q.Size(), 2);
-    EXPECT_EQ(h[0], 1);
-    EXPECT_EQ(h[1], 2);
-    EXPECT_TRUE(q.Check());
-}
-
-TEST(PriorityQueue, ReInitReleasesAndStartsAgain)
-{
-    QueueView q;
-    long handle = 0;
-    q.AddValue(3, 3, &handle);
-    q.ReInit();
-    long value = 0;
-    unsigned long data = 0;
-    EXPECT_EQ(q.ReadHead(value, data), 0);
-    EXPECT_EQ(q.Capacity(), 0);
-    EXPECT_TRUE(q.AddValue(8, 8, nullptr));
-    EXPECT_EQ(q.ReadHead(value, data), -1);
-    EXPECT_EQ(value, 8);
-    EXPECT_EQ(handle, 1); // untouched by ReInit
 }
 
 // Long random sequences of every operation against a sorted set, with heap order and every
-// handle checked after each call. Some cells have no handle.
+// handle checked after each call. Some cells have no handle; some values are the 32-bit extremes,
+// the smallest being the sentinel's own.
 TEST(PriorityQueue, RandomOperationsKeepHandlesAndOrder)
 {
     for (const std::uint32_t seed : {11U, 12U, 13U}) {
         std::mt19937 rng(seed);
+        const auto draw = [&rng](std::size_t n) { return static_cast<std::size_t>(rng() % n); };
         QueueView q(7);
-        // Handles must stay put while their cells are in the queue: one slot per cell ever added.
-        std::vector<std::unique_ptr<long>> handles;
+        std::vector<std::unique_ptr<long>> handles;          // one per cell ever added: they must stay put
         std::multiset<std::pair<long, unsigned long>> model; // (value, cell id)
-        std::vector<std::size_t> live;                       // ids of cells with a handle
-        const auto draw = [&rng](long n) { return static_cast<long>(rng() % static_cast<unsigned long>(n)); };
+        std::vector<unsigned long> live;                     // ids of the cells in the queue with a handle
+        const auto add = [&](long value, bool withHandle) {
+            handles.push_back(std::make_unique<long>(-1));
+            model.emplace(value, handles.size() - 1);
+            if (withHandle) {
+                live.push_back(handles.size() - 1);
+            }
+            return withHandle ? handles.back().get() : nullptr;
+        };
+        const auto take = [&](long value, unsigned long id) {
+            const auto cell = model.find({value, id});
+            ASSERT_NE(cell, model.end()) << "no cell " << id << " of value " << value;
+            model.erase(cell);
+            live.erase(std::remove(live.begin(), live.end(), id), live.end());
+        };
         for (int step = 0; step < 20000 && !HasFailure(); ++step) {
-            const long op = draw(100);
-            const long value = draw(200) - 100;
-            long gotValue = 0;
-            unsigned long gotData = 0;
+            const std::size_t op = draw(100);
+            const long extreme = draw(2) == 0 ? INT32_MIN : INT32_MAX;
+            const long value = draw(50) == 0 ? extreme : static_cast<long>(draw(200)) - 100;
+            const long least = model.empty() ? 0 : model.begin()->first;
+            const unsigned long next = handles.size();
+            long head = 0;
+            unsigned long id = 0;
             if (op < 40 || model.empty()) {
-                handles.push_back(std::make_unique<long>(-1));
-                const std::size_t id = handles.size() - 1;
-                long* handle = draw(4) == 0 ? nullptr : handles[id].get();
-                ASSERT_TRUE(q.AddValue(value, id, handle));
-                model.emplace(value, id);
-                if (handle != nullptr) {
-                    live.push_back(id);
-                }
+                ASSERT_TRUE(q.AddValue(value, next, add(value, draw(4) != 0)));
             } else if (op < 60) {
-                ASSERT_EQ(q.RemoveHead(gotValue, gotData), 0);
-                ASSERT_EQ(gotValue, model.begin()->first);
-                model.erase(model.find({gotValue, gotData}));
-                live.erase(std::remove(live.begin(), live.end(), gotData), live.end());
+                ASSERT_EQ(q.RemoveHead(head, id), 0);
+                ASSERT_EQ(head, least);
+                take(head, id);
             } else if (op < 70) {
-                handles.push_back(std::make_unique<long>(-1));
-                const std::size_t id = handles.size() - 1;
-                ASSERT_EQ(q.RemoveAddHead(gotValue, gotData, value, id, handles[id].get()), 0);
-                ASSERT_EQ(gotValue, model.begin()->first);
-                model.erase(model.find({gotValue, gotData}));
-                live.erase(std::remove(live.begin(), live.end(), gotData), live.end());
-                model.emplace(value, id);
-                live.push_back(id);
-            } else if (op < 85 && !live.empty()) {
-                const std::size_t at = static_cast<std::size_t>(draw(static_cast<long>(live.size())));
-                const std::size_t id = live[at];
-                const long cell = *handles[id];
-                const long old = q.Cell(static_cast<std::int32_t>(cell)).lValue;
-                ASSERT_EQ(q.RemoveCell(cell), 0);
-                model.erase(model.find({old, id}));
-                live.erase(live.begin() + static_cast<long>(at));
+                ASSERT_EQ(q.RemoveAddHead(head, id, value, next, add(value, true)), 0);
+                ASSERT_EQ(head, least);
+                take(head, id);
             } else if (op < 99 && !live.empty()) {
-                const std::size_t id = live[static_cast<std::size_t>(draw(static_cast<long>(live.size())))];
-                const long cell = *handles[id];
+                const unsigned long target = live[draw(live.size())];
+                const long cell = *handles[target];
                 const long old = q.Cell(static_cast<std::int32_t>(cell)).lValue;
-                q.ChangeValue(cell, value);
-                model.erase(model.find({old, id}));
-                model.emplace(value, id);
+                if (op < 85) {
+                    ASSERT_EQ(q.RemoveCell(cell), 0);
+                    take(old, target);
+                } else {
+                    q.ChangeValue(cell, value);
+                    take(old, target);
+                    model.emplace(value, target);
+                    live.push_back(target);
+                }
             } else if (op == 99 && draw(10) == 0) {
                 q.ReInit();
                 model.clear();
                 live.clear();
             }
+            ASSERT_EQ(q.RemoveCell(q.Size() + 1), -1);
             ASSERT_TRUE(q.Check()) << "seed " << seed << " step " << step;
             ASSERT_EQ(q.Size(), static_cast<std::int32_t>(model.size()));
-            if (!model.empty()) {
-                ASSERT_EQ(q.ReadHead(gotValue, gotData), -1);
-                ASSERT_EQ(gotValue, model.begin()->first);
+            ASSERT_EQ(q.ReadHead(head, id), model.empty() ? 0 : -1);
+            ASSERT_EQ(head, model.empty() ? head : model.begin()->first);
+        }
+    }
+}
+
+// Only the head can be removed, and every speed manager of the process works in one record.
+TEST(SpeedHoleManager, RemovesOnlyTheHeadIntoOneRecord)
+{
+    YXSpeedHoleManager a;
+    YXSpeedHoleManager b;
+    a.AddHole(100, 50);
+    a.AddHole(300, 20);
+    b.AddHole(900, 70);
+    const tagFILEHOLE* fromA = a.RemoveHole(100, 10);
+    ASSERT_NE(fromA, nullptr);
+    EXPECT_EQ(*fromA, (tagFILEHOLE{110, 40}));
+    EXPECT_EQ(b.RemoveHole(900, 20), fromA);
+    EXPECT_EQ(*fromA, (tagFILEHOLE{920, 50}));
+    EXPECT_EQ(a.RemoveHole(300, 20), nullptr); // not the largest: refused, though the head is read
+    EXPECT_EQ(*fromA, (tagFILEHOLE{110, 40}));
+    EXPECT_EQ(a.GetNumberOfHoles(), 2);
+    EXPECT_EQ(a.GetHolesSize(), 60u);
+}
+
+// Of equal holes the heap decides: a sinking cell takes the right one of two equal children.
+TEST(SpeedHoleManager, AmongEqualHolesTheHeapDecides)
+{
+    YXSpeedHoleManager m;
+    for (const tagFILEHOLE h : {tagFILEHOLE{10, 9}, {20, 5}, {30, 5}, {40, 1}}) {
+        m.AddHole(h.dwOffset, h.lSize);
+    }
+    m.RemoveHole(10, 9);
+    EXPECT_EQ(m.GetBestHole(5), 30u);
+}
+
+// Random allocation and freeing against a sorted set of holes.
+TEST(SpeedHoleManager, RandomHostAgainstASortedSet)
+{
+    for (const std::uint32_t seed : {21U, 22U}) {
+        std::mt19937 rng(seed);
+        YXSpeedHoleManager m;
+        std::multiset<std::pair<std::int32_t, std::uint32_t>> holes; // (size, offset)
+        std::uint32_t sum = 0;
+        std::uint32_t fileLength = 0;
+        for (int step = 0; step < 20000 && !HasFailure(); ++step) {
+            const auto size = static_cast<std::int32_t>(rng() % 100);
+            const auto op = rng() % 100;
+            const unsigned long answer = op < 55 ? kNone : m.GetBestHole(size);
+            const std::int32_t largest = holes.empty() ? -1 : holes.rbegin()->first;
+            const auto hole = holes.find({largest, static_cast<std::uint32_t>(answer)});
+            if (op < 55) {
+                m.AddHole(fileLength, size);
+                holes.emplace(size, fileLength);
+                fileLength += static_cast<std::uint32_t>(size) + 1;
+                sum += static_cast<std::uint32_t>(size);
+            } else if (op == 55) {
+                m.ClearHoleList();
+                m.SetHoleFootPrint(static_cast<long>(rng() % 8));
+                holes.clear();
+                sum = 0;
+            } else if (largest != size && largest < size + m.GetHoleFootPrint()) {
+                ASSERT_EQ(answer, kNone) << "step " << step;
+            } else {
+                ASSERT_NE(hole, holes.end()) << "answer " << answer << " is not a largest hole";
+                if (holes.begin()->second != answer) { // any other hole is refused
+                    ASSERT_EQ(m.RemoveHole(holes.begin()->second, holes.begin()->first), nullptr);
+                }
+                const tagFILEHOLE* rest = m.RemoveHole(answer, size); // size 0 gives the head back whole
+                const tagFILEHOLE left{static_cast<std::uint32_t>(answer + size), largest - size};
+                sum -= static_cast<std::uint32_t>(size);
+                holes.erase(hole);
+                ASSERT_EQ(rest == nullptr, largest == size);
+                if (rest != nullptr) {
+                    ASSERT_EQ(*rest, left);
+                    holes.emplace(left.lSize, left.dwOffset);
+                }
             }
+            ASSERT_EQ(m.GetNumberOfHoles(), static_cast<long>(holes.size()));
+            ASSERT_EQ(m.GetHolesSize(), sum);
         }
     }
 }
