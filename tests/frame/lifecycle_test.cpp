@@ -25,68 +25,38 @@ void AddDistinct(int count)
     }
 }
 
-// Fills the default log and the registries, and sets a change procedure and a maximum of 2.
-void Populate(Provider& provider)
+// From Open with a filled log, a change procedure, a maximum of 2 and a registered provider, each
+// sequence of YXTools_Close (C) and YXTools_Init (I) leaves fresh objects: an empty default log with
+// a maximum of 5 and no change procedure, and empty registries. Close twice finds nothing to close the
+// second time; Init while Open releases the objects it replaces (the sanitizer build reports any
+// leak); after Close a call that needs an absent object creates it empty, and the next Close frees it.
+TEST(Lifecycle, EverySequenceLeavesFreshObjects)
 {
-    YXNameProvider_RegisterProviderByString("p", &provider);
-    YXErrorsLog_SetOnChangeProc(CountNotification, nullptr);
-    YXErrorsLog_SetMaxEntries(2, nullptr);
-    AddDistinct(2);
-}
-
-// The default log is empty with a maximum of 5 and no change procedure, and no provider is found.
-void ExpectFreshObjects()
-{
-    g_notifications = 0;
-    EXPECT_EQ(YXErrorsLog_GetCount(nullptr), 0u);
-    EXPECT_EQ(YXNameProvider_GetProviderByString("p"), nullptr);
-    AddDistinct(6);
-    EXPECT_EQ(g_notifications, 0);
-    EXPECT_EQ(YXErrorsLog_GetCount(nullptr), 5u);
-    _SS<char> source;
-    _SS<char> description;
-    ASSERT_TRUE(YXErrorsLog_GetItemAt(4, source, description, nullptr, nullptr));
-    EXPECT_EQ(description, "1"); // "0" was evicted
-}
-
-// Each test leaves the library Open with fresh objects.
-class Lifecycle : public ::testing::Test {
-protected:
-    void TearDown() override
-    {
+    for (const std::string sequence : {"CCI", "I", "C"}) {
+        SCOPED_TRACE(sequence);
+        Provider provider;
+        YXNameProvider_RegisterProviderByString("p", &provider);
+        YXErrorsLog_SetOnChangeProc(CountNotification, nullptr);
+        YXErrorsLog_SetMaxEntries(2, nullptr);
+        AddDistinct(2);
+        for (const char step : sequence) {
+            step == 'C' ? YXTools_Close() : YXTools_Init();
+        }
+        g_notifications = 0;
+        EXPECT_EQ(YXErrorsLog_GetCount(nullptr), 0u);
+        EXPECT_EQ(YXNameProvider_GetProviderByString("p"), nullptr);
+        AddDistinct(6);
+        EXPECT_EQ(g_notifications, 0);
+        EXPECT_EQ(YXErrorsLog_GetCount(nullptr), 5u);
+        _SS<char> source;
+        _SS<char> description;
+        ASSERT_TRUE(YXErrorsLog_GetItemAt(4, source, description, nullptr, nullptr));
+        EXPECT_EQ(description, "1"); // "0" was evicted
+        EXPECT_TRUE(YXNameProvider_RegisterProviderByString("p", &provider));
+        EXPECT_EQ(YXNameProvider_GetProviderByString("p"), &provider);
         YXTools_Close();
         YXTools_Init();
     }
-};
-
-TEST_F(Lifecycle, CloseThenInitStartsEveryObjectAfresh)
-{
-    Provider provider;
-    Populate(provider);
-    YXTools_Close();
-    YXTools_Close(); // the second finds nothing to close
-    YXTools_Init();
-    ExpectFreshObjects();
-}
-
-// Init while Open releases the objects it replaces (the sanitizer build reports any leak).
-TEST_F(Lifecycle, InitWhileOpenReplacesTheLogAndRegistries)
-{
-    Provider provider;
-    Populate(provider);
-    YXTools_Init();
-    ExpectFreshObjects();
-}
-
-// After Close a call that needs an absent object creates it empty; the next closing sequence frees it.
-TEST_F(Lifecycle, CallsAfterCloseGetFreshObjects)
-{
-    Provider provider;
-    Populate(provider);
-    YXTools_Close();
-    ExpectFreshObjects();
-    EXPECT_TRUE(YXNameProvider_RegisterProviderByString("p", &provider));
-    EXPECT_EQ(YXNameProvider_GetProviderByString("p"), &provider);
 }
 
 } // namespace
