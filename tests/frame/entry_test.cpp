@@ -9,21 +9,15 @@ namespace {
 TEST(EntryProcedure, RunsTheSequencesForTheProcessAndSucceedsForEveryReason)
 {
 #if defined(_WIN32)
-    struct Case {
-        DWORD reason;
-        unsigned long entriesAfter; // of one entry in the default log before the call
-    };
-    const Case cases[] = {
-        {DLL_THREAD_ATTACH, 1},  // nothing happens
-        {DLL_THREAD_DETACH, 1},  // nothing happens
-        {DLL_PROCESS_DETACH, 0}, // the closing sequence released the log
-        {DLL_PROCESS_ATTACH, 0}, // the initialisation sequence made a new one
-    };
-    for (const Case& c : cases) {
+    // The count of a default log that held one entry before the call: thread events change nothing,
+    // process detach releases the log and process attach makes a new one.
+    const DWORD reasons[] = {DLL_THREAD_ATTACH, DLL_THREAD_DETACH, DLL_PROCESS_DETACH, DLL_PROCESS_ATTACH};
+    const unsigned long entriesAfter[] = {1, 1, 0, 0};
+    for (int i = 0; i < 4; ++i) {
         YXErrorsLog_Clear(nullptr);
         YXErrorsLog_Add("entry", "test", 0, nullptr);
-        EXPECT_EQ(DllMain(nullptr, c.reason, nullptr), TRUE) << "reason " << c.reason;
-        EXPECT_EQ(YXErrorsLog_GetCount(nullptr), c.entriesAfter) << "reason " << c.reason;
+        EXPECT_EQ(DllMain(nullptr, reasons[i], nullptr), TRUE) << "reason " << reasons[i];
+        EXPECT_EQ(YXErrorsLog_GetCount(nullptr), entriesAfter[i]) << "reason " << reasons[i];
     }
 #else
     GTEST_SKIP() << "no entry procedure on POSIX: the shared object's load and unload hooks run the sequences";

@@ -1,48 +1,36 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include <yxtools/ss.h>
 
 namespace {
 
-TEST(SSConstruction, SmallPointerValuesGiveTheEmptyString)
+TEST(SS, SmallPointerValuesConstructTheEmptyStringAndNullAssignsIt)
 {
     EXPECT_TRUE(_SS<char>(static_cast<const char*>(nullptr)).empty());
     EXPECT_TRUE(_SS<char>(reinterpret_cast<const char*>(0xFFFF)).empty());
     EXPECT_TRUE(_SS<unsigned short>(reinterpret_cast<const unsigned short*>(0x1234)).empty());
-    EXPECT_EQ(_SS<char>("abc\0def"), "abc");
-}
-
-TEST(SSAssignment, NullEmptiesTheString)
-{
     _SS<char> s("text");
     s = static_cast<const char*>(nullptr);
     EXPECT_TRUE(s.empty());
 }
 
-TEST(SSAssignment, PointerIntoItselfKeepsTheTail)
+// Assignment from inside keeps everything up to the string's end, not just up to a NUL.
+TEST(SS, PointerIntoItselfKeepsTheTail)
 {
-    _SS<char> s("abcdefgh");
-    s = s.c_str() + 3;
-    EXPECT_EQ(s, "defgh");
+    _SS<char> s(std::string("abc\0efgh", 8));
+    s = s.c_str() + 2;
+    EXPECT_EQ(s, std::string("c\0efgh", 6));
     s = s.c_str() + s.size(); // the terminator
     EXPECT_TRUE(s.empty());
-
     _SS<unsigned short> w(std::basic_string<unsigned short>{'x', 'y', 'z'});
     w = w.c_str() + 1;
     EXPECT_EQ(w, (std::basic_string<unsigned short>{'y', 'z'}));
 }
 
-TEST(SSAssignment, PointerIntoItselfKeepsBytesPastAnInnerNul)
-{
-    // Assignment from inside keeps everything up to the string's end, not just up to a NUL.
-    _SS<char> s(std::string("ab\0cd", 5));
-    s = s.c_str() + 1;
-    EXPECT_EQ(s, std::string("b\0cd", 4));
-}
-
-TEST(SSAssignment, SelfAssignmentTouchesNothing)
+TEST(SS, SelfAssignmentTouchesNothing)
 {
     _SS<char> s(std::string(100, 'q'));
     const char* storage = s.data();
@@ -52,74 +40,38 @@ TEST(SSAssignment, SelfAssignmentTouchesNothing)
     EXPECT_EQ(s, std::string(100, 'q'));
 }
 
-TEST(SSAssignment, SmallNonNullPointerIsTakenAsAPointer)
-{
-    // Unlike the constructor, assignment reads the text of any non-null pointer; a real text at a
-    // low address can't be made here, so this checks the ordinary path.
-    _SS<char> s;
-    const char text[] = "copied";
-    s = text;
-    EXPECT_EQ(s, "copied");
-    EXPECT_NE(s.data(), text);
-}
-
-TEST(SSRight, CountsBeyondTheLengthGiveTheWholeString)
+TEST(SS, RightAndConcatenation)
 {
     const _SS<char> s("abcdef");
-    EXPECT_EQ(s.Right(2), "ef");
-    EXPECT_EQ(s.Right(6), "abcdef");
-    EXPECT_EQ(s.Right(100), "abcdef");
-    EXPECT_EQ(s.Right(0), "");
-    EXPECT_EQ(s.Right(-5), "");
-}
-
-TEST(SSConcatenation, JoinsLeftThenRight)
-{
-    const _SS<char> left("ab");
-    const _SS<char> right("cd");
-    const _SS<char> joined = left + right;
-    EXPECT_EQ(joined, "abcd");
-    EXPECT_EQ(left, "ab");
+    const struct {
+        long count;
+        const char* right;
+    } cases[] = {{2, "ef"}, {6, "abcdef"}, {100, "abcdef"}, {0, ""}, {-5, ""}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(s.Right(c.count), c.right) << c.count;
+    }
+    EXPECT_EQ(s.Right(2) + s, "efabcdef");
 }
 
 // Formats a text of exactly n characters through a %s argument.
 _SS<char> FormatOfLength(std::size_t n)
 {
-    const std::string text(n, 'x');
     _SS<char> s("previous value");
-    s.Format("%s", text.c_str());
+    s.Format("%s", std::string(n, 'x').c_str());
     return s;
 }
 
-TEST(SSFormat, LengthsAroundEachAttemptComeWhole)
+// Texts up to 8704 come whole from one of the attempts; longer ones are cut there with a trailing NUL.
+TEST(SSFormat, LengthsAroundEachAttempt)
 {
-    for (const std::size_t n : {0u, 1u, 254u, 255u, 256u, 510u, 511u, 512u, 2560u, 2561u, 4608u, 6656u, 8703u, 8704u}) {
-        SCOPED_TRACE(n);
+    for (const std::size_t n : {0u, 255u, 256u, 511u, 512u, 2560u, 2561u, 4608u, 6656u, 8704u, 8705u, 20000u}) {
         const _SS<char> s = FormatOfLength(n);
-        EXPECT_EQ(s.size(), n);
-        EXPECT_EQ(s, std::string(n, 'x'));
+        EXPECT_EQ(std::string(s.c_str()), std::string(std::min<std::size_t>(n, 8704), 'x')) << n;
+        EXPECT_EQ(s.size(), n <= 8704 ? n : 8705) << n;
     }
-}
-
-TEST(SSFormat, TextsUpTo511DoNotUseTheStringAsBuffer)
-{
-    // The third attempt formats into the string resized to 2561 bytes, which leaves its mark on
-    // the capacity; the first two attempts use stack buffers.
+    // Up to 511 the attempts use stack buffers; the third formats into the string resized to 2561.
     EXPECT_LT(FormatOfLength(511).capacity(), 2560u);
-    const _SS<char> fromHeap = FormatOfLength(512);
-    EXPECT_EQ(fromHeap.size(), 512u);
-    EXPECT_GE(fromHeap.capacity(), 2560u);
-}
-
-TEST(SSFormat, LongerTextsAreCutAt8704WithATrailingNul)
-{
-    for (const std::size_t n : {8705u, 8706u, 20000u}) {
-        SCOPED_TRACE(n);
-        const _SS<char> s = FormatOfLength(n);
-        ASSERT_EQ(s.size(), 8705u);
-        EXPECT_EQ(s[8704], '\0');
-        EXPECT_EQ(std::string(s.c_str()), std::string(8704, 'x'));
-    }
+    EXPECT_GE(FormatOfLength(512).capacity(), 2560u);
 }
 
 TEST(SSFormat, ArgumentsAreReadAgainForEachAttempt)

@@ -7,40 +7,22 @@
 
 namespace {
 
+int g_destroyed = 0; // the registries never own a provider
+
 class StringProvider : public YXNameProviderByString {
 public:
-    explicit StringProvider(int* destroyed = nullptr) : m_destroyed(destroyed) {}
-    ~StringProvider() override
-    {
-        if (m_destroyed != nullptr) {
-            ++*m_destroyed;
-        }
-    }
+    StringProvider() = default;
+    ~StringProvider() override { ++g_destroyed; }
     StringProvider(const StringProvider&) = delete;
     StringProvider& operator=(const StringProvider&) = delete;
-    bool GetName(const _SS<char>& key, _SS<char>& name) override
-    {
-        name = key;
-        return true;
-    }
+    bool GetName(const _SS<char>& key, _SS<char>& name) override { return !(name = key).empty(); }
     bool HasName(const _SS<char>& /*key*/) override { return true; }
-
-private:
-    int* m_destroyed;
 };
 
 class IdProvider : public YXNameProviderByID {
 public:
-    bool GetName(unsigned long id, _SS<char>& name) override
-    {
-        name = std::to_string(id).c_str();
-        return true;
-    }
-    bool GetID(const _SS<char>& /*name*/, unsigned long& id) override
-    {
-        id = 0;
-        return false;
-    }
+    bool GetName(unsigned long /*id*/, _SS<char>& /*name*/) override { return false; }
+    bool GetID(const _SS<char>& /*name*/, unsigned long& /*id*/) override { return false; }
 };
 
 // Each test starts from empty registries.
@@ -53,77 +35,46 @@ protected:
     }
 };
 
-TEST_F(Registries, EmptyRegistryFindsNothing)
-{
-    EXPECT_EQ(YXNameProvider_GetProviderByString("x"), nullptr);
-    EXPECT_EQ(YXNameProvider_GetProviderByID("x"), nullptr);
-}
-
-TEST_F(Registries, SecondRegistrationReplacesTheFirstWithoutDestroyingIt)
-{
-    int destroyed = 0;
-    StringProvider first(&destroyed);
-    StringProvider second(&destroyed);
-    EXPECT_TRUE(YXNameProvider_RegisterProviderByString("key", &first));
-    EXPECT_TRUE(YXNameProvider_RegisterProviderByString("key", &second));
-    EXPECT_EQ(YXNameProvider_GetProviderByString("key"), &second);
-    EXPECT_EQ(destroyed, 0);
-    YXTools_Close(); // the registry goes; the providers stay their owner's
-    EXPECT_EQ(destroyed, 0);
-    YXTools_Init();
-}
-
-TEST_F(Registries, KeysMatchExactlyTheRegisteredBytes)
+TEST_F(Registries, KeysMatchExactlyTheRegisteredBytesInEachRegistry)
 {
     StringProvider upper;
     StringProvider lower;
-    StringProvider empty;
     StringProvider withNul;
+    IdProvider byId;
+    const std::string nulKey("ab\0c", 4);
     YXNameProvider_RegisterProviderByString("Abc", &upper);
     YXNameProvider_RegisterProviderByString("abc", &lower);
-    YXNameProvider_RegisterProviderByString("", &empty);
-    YXNameProvider_RegisterProviderByString(std::string("ab\0c", 4), &withNul);
-
+    YXNameProvider_RegisterProviderByString(nulKey, &withNul);
+    YXNameProvider_RegisterProviderByID("abc", &byId);
     EXPECT_EQ(YXNameProvider_GetProviderByString("Abc"), &upper);
     EXPECT_EQ(YXNameProvider_GetProviderByString("abc"), &lower);
-    EXPECT_EQ(YXNameProvider_GetProviderByString(""), &empty);
-    EXPECT_EQ(YXNameProvider_GetProviderByString(std::string("ab\0c", 4)), &withNul);
-    EXPECT_EQ(YXNameProvider_GetProviderByString("ab"), nullptr);   // a prefix of a key
-    EXPECT_EQ(YXNameProvider_GetProviderByString("abcd"), nullptr); // a key is a prefix of it
-    EXPECT_EQ(YXNameProvider_GetProviderByString("ABC"), nullptr);
+    EXPECT_EQ(YXNameProvider_GetProviderByString(nulKey), &withNul);
+    EXPECT_EQ(YXNameProvider_GetProviderByID("abc"), &byId);
+    for (const char* other : {"ab", "abcd", "ABC", ""}) { // a prefix of a key, a key as a prefix, other case
+        EXPECT_EQ(YXNameProvider_GetProviderByString(other), nullptr) << other;
+        EXPECT_EQ(YXNameProvider_GetProviderByID(other), nullptr) << other;
+    }
+    EXPECT_TRUE(YXNameProvider_RegisterProviderByID("abc", nullptr)); // hides the earlier one
+    EXPECT_EQ(YXNameProvider_GetProviderByID("abc"), nullptr);
 }
 
-TEST_F(Registries, TheTwoRegistriesAreIndependent)
+TEST_F(Registries, ReplacedAndClosedRegistrationsLeaveTheProvidersAlive)
 {
-    StringProvider byString;
+    g_destroyed = 0;
+    StringProvider first;
+    StringProvider second;
     IdProvider byId;
-    YXNameProvider_RegisterProviderByString("same", &byString);
-    EXPECT_EQ(YXNameProvider_GetProviderByID("same"), nullptr);
-    YXNameProvider_RegisterProviderByID("same", &byId);
-    EXPECT_EQ(YXNameProvider_GetProviderByString("same"), &byString);
-    EXPECT_EQ(YXNameProvider_GetProviderByID("same"), &byId);
-}
-
-TEST_F(Registries, NullRegistrationHidesAnEarlierOne)
-{
-    IdProvider provider;
-    YXNameProvider_RegisterProviderByID("k", &provider);
-    EXPECT_TRUE(YXNameProvider_RegisterProviderByID("k", nullptr));
-    EXPECT_EQ(YXNameProvider_GetProviderByID("k"), nullptr);
-}
-
-TEST_F(Registries, RegistrationsEndWithCloseAndDoNotComeBackWithInit)
-{
-    StringProvider provider;
-    IdProvider idProvider;
-    YXNameProvider_RegisterProviderByString("k", &provider);
-    YXNameProvider_RegisterProviderByID("k", &idProvider);
+    EXPECT_TRUE(YXNameProvider_RegisterProviderByString("key", &first));
+    EXPECT_TRUE(YXNameProvider_RegisterProviderByString("key", &second));
+    YXNameProvider_RegisterProviderByID("key", &byId);
+    EXPECT_EQ(YXNameProvider_GetProviderByString("key"), &second);
     YXTools_Close();
     YXTools_Init();
-    EXPECT_EQ(YXNameProvider_GetProviderByString("k"), nullptr);
-    EXPECT_EQ(YXNameProvider_GetProviderByID("k"), nullptr);
+    EXPECT_EQ(g_destroyed, 0);
+    EXPECT_EQ(YXNameProvider_GetProviderByString("key"), nullptr);
+    EXPECT_EQ(YXNameProvider_GetProviderByID("key"), nullptr);
     _SS<char> name;
-    EXPECT_TRUE(provider.GetName("still alive", name));
+    EXPECT_TRUE(second.GetName("still alive", name));
 }
 
 } // namespace

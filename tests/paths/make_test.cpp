@@ -8,11 +8,7 @@ namespace {
 // A null text stands for a null pointer.
 const _SS<char>* Optional(const char* text, _SS<char>& storage)
 {
-    if (text == nullptr) {
-        return nullptr;
-    }
-    storage = text;
-    return &storage;
+    return text == nullptr ? nullptr : &(storage = text);
 }
 
 TEST(YXPathAppend, OneSeparatorAtTheJoint)
@@ -49,11 +45,7 @@ TEST(YXPathAppend, OneSeparatorAtTheJoint)
         YXPath::Append(path, Optional(c.addition, addition), c.trailing);
         EXPECT_EQ(path, c.result) << c.path << " + " << (c.addition ? c.addition : "(null)") << " " << c.trailing;
     }
-}
-
-TEST(YXPathAppend, ThePathItselfAsAddition)
-{
-    _SS<char> path("a\\");
+    _SS<char> path("a\\"); // the path itself as the addition
     YXPath::Append(path, &path, false);
     EXPECT_EQ(path, "a\\a\\");
 }
@@ -86,13 +78,10 @@ TEST(YXPathMake, PointersDecideTheSeparators)
         {"", "", "map", "", "\\map.", true}, // a bare name split and made again
     };
     for (const auto& c : cases) {
-        _SS<char> drive;
-        _SS<char> directory;
-        _SS<char> name;
-        _SS<char> extension;
+        _SS<char> in[4];
         _SS<char> output("old");
-        EXPECT_EQ(YXPath::Make(output, Optional(c.drive, drive), Optional(c.directory, directory),
-                               Optional(c.name, name), Optional(c.extension, extension)),
+        EXPECT_EQ(YXPath::Make(output, Optional(c.drive, in[0]), Optional(c.directory, in[1]), Optional(c.name, in[2]),
+                               Optional(c.extension, in[3])),
                   c.result);
         EXPECT_EQ(output, c.output);
     }

@@ -1,6 +1,8 @@
-// Reaches the long-path route of YXPath::Split, which is protected.
+// Both routes of YXPath::Split; the long-path route is protected.
 #ifndef YXTOOLS_TESTS_PATH_ROUTES_H
 #define YXTOOLS_TESTS_PATH_ROUTES_H
+
+#include <string>
 
 #include <yxtools/path.h>
 
@@ -8,31 +10,16 @@ struct PathRoutes : YXPath {
     using YXPath::SlowSplit;
 };
 
-struct Components {
-    _SS<char> drive;
-    _SS<char> directory;
-    _SS<char> name;
-    _SS<char> extension;
-
-    bool operator==(const Components& other) const
-    {
-        return drive == other.drive && directory == other.directory && name == other.name &&
-               extension == other.extension;
+// The four components as "drive|directory|name|extension".
+inline std::string SplitText(const _SS<char>& path, bool slow = false)
+{
+    _SS<char> c[4];
+    if (slow) {
+        PathRoutes::SlowSplit(path, &c[0], &c[1], &c[2], &c[3]);
+    } else {
+        YXPath::Split(path, &c[0], &c[1], &c[2], &c[3], nullptr);
     }
-};
-
-inline Components SplitFast(const _SS<char>& path)
-{
-    Components c;
-    YXPath::Split(path, &c.drive, &c.directory, &c.name, &c.extension, nullptr);
-    return c;
-}
-
-inline Components SplitSlow(const _SS<char>& path)
-{
-    Components c;
-    PathRoutes::SlowSplit(path, &c.drive, &c.directory, &c.name, &c.extension);
-    return c;
+    return c[0] + "|" + c[1] + "|" + c[2] + "|" + c[3];
 }
 
 #endif
