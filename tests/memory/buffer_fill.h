@@ -21,8 +21,7 @@ inline bool FillBuffer(YXAutoBuffer* buffer, const std::string& bytes)
 
 inline std::string BytesOf(const YXAutoBuffer* buffer)
 {
-    return buffer->m_dwSize == 0 ? std::string()
-                                 : std::string(reinterpret_cast<const char*>(buffer->m_pData), buffer->m_dwSize);
+    return {reinterpret_cast<const char*>(buffer->m_pData), buffer->m_dwSize};
 }
 
 #endif
