@@ -209,7 +209,8 @@ TEST(CalendarNow, GetDateAndTheNullRecordAreNow)
     const std::time_t from = std::time(nullptr);
     DISKDATETIME now{};
     YXDate_GetDate(now);
-    const std::time_t to = std::time(nullptr);
+    // time() may read a coarse clock that lags the precise one by a tick: allow the next second.
+    const std::time_t to = std::time(nullptr) + 1;
     bool found = false;
     for (std::time_t t = from; t <= to; ++t) {
         const std::tm* utc = std::gmtime(&t);
