@@ -4,6 +4,7 @@
 
 #include "diagnostics/errorslog_internal.h"
 #include "names/nameprovider_internal.h"
+#include "text/text_internal.h"
 #include "platform/win32.h"
 #include "yxtools/frame.h"
 
@@ -17,6 +18,7 @@ namespace yx::frame {
 void RunInitialisationSequence()
 {
     // 1. regional settings, 2. multibyte tables: they join here when their subsystems land.
+    String_InitTables();
     YXNameProvider_InitRegistries(true);
     YXErrorsLog_CreateDefault();
 }

@@ -76,6 +76,7 @@ inline void MapEachCharacter(std::vector<std::string>& lines)
     for (const NamedFlag& f : MapFlags()) {
         for (const std::string& c : chars) {
             char out[16] = {};
+            SetLastError(0);
             const int n = LCMapStringA(GetUserDefaultLCID(), f.flag, c.data(), static_cast<int>(c.size()), out, 16);
             if (n != static_cast<int>(c.size()) || std::string(out, n) != c) {
                 lines.push_back(std::string("map ") + f.name + " " + Hex(c.data(), static_cast<int>(c.size())) + "=" +

@@ -11,6 +11,7 @@
 #include <unicode/translit.h>
 #include <unicode/uchar.h>
 #include <unicode/ucnv.h>
+#include <unicode/ucnv_cb.h>
 #include <unicode/ucol.h>
 #include <unicode/uloc.h>
 #include <unicode/unistr.h>
@@ -117,14 +118,9 @@ bool IsIgnorableSymbol(char16_t c)
     }
 }
 
-// The spacing accents (circumflex, grave, diaeresis, macron, acute, cedilla, middle dot, the
-// spacing modifiers and the kana sound marks) go with the combining ones.
-bool IsSpacingAccent(char16_t c)
-{
-    return (c < 0x100 && u_charType(c) == U_MODIFIER_SYMBOL) || c == 0xB7 || (c >= 0x02B0 && c <= 0x02FF) ||
-           c == 0x309B || c == 0x309C;
-}
-
+// Only the combining marks go, after decomposition: a spacing accent (circumflex, grave,
+// diaeresis, acute, the kana sound marks) is a character of its own and stays, so the text keeps
+// one character for each of its characters. The library's fold tables rely on that.
 void RemoveNonSpacing(std::u16string& text)
 {
     UErrorCode status = U_ZERO_ERROR;
@@ -138,9 +134,6 @@ void RemoveNonSpacing(std::u16string& text)
         // The compatibility ideographs are characters of their own, not forms of others.
         if (c >= 0xF900 && c <= 0xFAFF) {
             out.push_back(c);
-            continue;
-        }
-        if (IsSpacingAccent(c)) {
             continue;
         }
         icu::UnicodeString decomposed = nfd->normalize(icu::UnicodeString(c), status);
@@ -215,6 +208,22 @@ std::u16string AnsiToWide(const char* text, std::size_t length, bool* valid)
     return AnsiToWide932Run(text, length, valid);
 }
 
+namespace {
+
+// Windows reads a double-byte code that code page 932 leaves undefined as the katakana middle
+// dot, its default character, where ICU would give the replacement character.
+void UndefinedAsMiddleDot(const void* /*context*/, UConverterToUnicodeArgs* args, const char* /*bytes*/,
+                          int32_t /*length*/, UConverterCallbackReason reason, UErrorCode* status)
+{
+    if (reason == UCNV_UNASSIGNED || reason == UCNV_ILLEGAL || reason == UCNV_IRREGULAR) {
+        const UChar dot = 0x30FB;
+        *status = U_ZERO_ERROR;
+        ucnv_cbToUWriteUChars(args, &dot, 1, 0, status);
+    }
+}
+
+} // namespace
+
 std::u16string AnsiToWide932Run(const char* text, std::size_t length, bool* valid)
 {
     if (valid != nullptr) {
@@ -228,6 +237,9 @@ std::u16string AnsiToWide932Run(const char* text, std::size_t length, bool* vali
     if (valid != nullptr) {
         UErrorCode status = U_ZERO_ERROR;
         ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
+    } else if (GetACP() == 932) {
+        UErrorCode status = U_ZERO_ERROR;
+        ucnv_setToUCallBack(converter.get(), UndefinedAsMiddleDot, nullptr, nullptr, nullptr, &status);
     }
     wide.resize(length * 2 + 2);
     UErrorCode status = U_ZERO_ERROR;
