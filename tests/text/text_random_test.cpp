@@ -9,47 +9,11 @@
 #include <vector>
 
 #include "text_fixture.h"
+#include "text_reference.h"
 
 namespace {
 
-struct Reference {
-    explicit Reference(unsigned codePage) : dbcs(codePage == 932) {}
-
-    bool Lead(unsigned char b) const { return dbcs && ((b >= 0x81 && b <= 0x9F) || (b >= 0xE0 && b <= 0xFC)); }
-    static bool Trail(unsigned char b) { return b >= 0x31 && b <= 0xFE && b != 0x7F; }
-    static bool MayBeTrail(unsigned char b) { return b >= 0x40 && b <= 0xFC && b != 0x7F; }
-
-    // The value read at i, the byte behind a lead byte taken whatever it is.
-    unsigned short Value(const std::string& s, std::size_t i) const
-    {
-        const auto b = static_cast<unsigned char>(s[i]);
-        return Lead(b) ? static_cast<unsigned short>((b << 8) + static_cast<unsigned char>(s[i + 1])) : b;
-    }
-
-    // Offsets of the characters of s up to its first 0 byte, or across all of it.
-    std::vector<std::size_t> Starts(const std::string& s, bool acrossZeros) const
-    {
-        std::vector<std::size_t> starts;
-        for (std::size_t i = 0; i < s.size() && (acrossZeros || s[i] != '\0');) {
-            starts.push_back(i);
-            const bool pair = Lead(static_cast<unsigned char>(s[i])) && i + 1 < s.size() &&
-                              Trail(static_cast<unsigned char>(s[i + 1]));
-            i += pair ? 2 : 1;
-        }
-        return starts;
-    }
-
-    bool Valid(unsigned short v) const
-    {
-        return v < 0x100 ? !Lead(static_cast<unsigned char>(v)) : Lead(static_cast<unsigned char>(v >> 8));
-    }
-    bool Plain(unsigned short v) const
-    {
-        return !dbcs || !MayBeTrail(static_cast<unsigned char>(v < 0x100 ? v : v >> 8));
-    }
-
-    bool dbcs;
-};
+using textref::Reference;
 
 const unsigned char kPool[] = {0x81, 0x82, 0x83, 0x9F, 0xE0, 0xFC, 0x40, 0x41, 0x5C, 0x7E, 0x80, 0xA0,
                                0xFD, 0xFE, 0x30, 0x31, 0x3F, 0x7F, 0x2F, 0x61, 0xFF, 0x95, 0x60, 0xB1};
@@ -63,21 +27,6 @@ std::string Generate(std::mt19937& rng, std::size_t length, bool zeros)
         s.push_back(zeros && zero(rng) == 0 ? '\0' : static_cast<char>(kPool[pick(rng)]));
     }
     return s;
-}
-
-long Expected(const std::vector<std::size_t>& starts, const Reference& ref, const std::string& s, unsigned short v,
-              bool last)
-{
-    long found = -1;
-    for (std::size_t i : starts) {
-        if (ref.Value(s + std::string(1, '\0'), i) == v) {
-            found = static_cast<long>(i);
-            if (!last) {
-                break;
-            }
-        }
-    }
-    return found;
 }
 
 class TextRandom : public ::testing::Test {
@@ -114,8 +63,8 @@ TEST_F(TextRandom, SearchesAgreeWithTheReferenceWalk)
                 const char* l = std::strrchr(t, static_cast<char>(v & 0xFF));
                 lastFound = l == nullptr ? -1 : l - t;
             } else if (ref.Valid(v)) {
-                first = Expected(starts, ref, text, v, false);
-                lastFound = Expected(starts, ref, text, v, true);
+                first = textref::Find(starts, ref, text, v, false);
+                lastFound = textref::Find(starts, ref, text, v, true);
             }
             ASSERT_EQ(At(t, String_StrChr(t, v)), first) << round << " " << std::hex << v;
             ASSERT_EQ(At(t, String_StrRChr(t, v)), lastFound) << round << " " << std::hex << v;

@@ -11,8 +11,18 @@
 
 namespace {
 
-std::mutex g_tablesLock;
-std::map<UINT, yx::platform::LeadByteTable> g_tables;
+// Built on first use: the library's load sequence asks for lead bytes while static objects of
+// other files may not be constructed yet.
+struct Tables {
+    std::mutex lock;
+    std::map<UINT, yx::platform::LeadByteTable> byCodePage;
+};
+
+Tables& LeadByteTables()
+{
+    static Tables tables;
+    return tables;
+}
 
 } // namespace
 
@@ -20,12 +30,13 @@ namespace yx::platform {
 
 const LeadByteTable& LeadBytes(UINT codePage)
 {
-    const std::lock_guard<std::mutex> guard(g_tablesLock);
-    auto found = g_tables.find(codePage);
-    if (found != g_tables.end()) {
+    Tables& tables = LeadByteTables();
+    const std::lock_guard<std::mutex> guard(tables.lock);
+    auto found = tables.byCodePage.find(codePage);
+    if (found != tables.byCodePage.end()) {
         return found->second;
     }
-    LeadByteTable& table = g_tables[codePage];
+    LeadByteTable& table = tables.byCodePage[codePage];
     table.fill(false);
     // Single-byte and UTF-8 converters have no starters to tell: they keep the empty table.
     const std::string name = "windows-" + std::to_string(codePage);
