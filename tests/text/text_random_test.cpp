@@ -11,6 +11,12 @@
 #include "text_fixture.h"
 #include "text_reference.h"
 
+// The test runs in the program of each code page: the suite's name carries the code page, so that
+// the names of the test cases stay apart.
+#define TEXT_CAT2(a, b) a##b
+#define TEXT_CAT(a, b) TEXT_CAT2(a, b)
+#define TextRandom TEXT_CAT(TextRandom, YXTOOLS_TEXT_CODE_PAGE)
+
 namespace {
 
 using textref::Reference;

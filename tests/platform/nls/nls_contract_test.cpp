@@ -15,6 +15,12 @@
 
 #include "nls/nls_cases.h"
 
+// One program for each code page: the suite's name carries the code page, so that the names of the
+// test cases stay apart.
+#define NLS_CAT2(a, b) a##b
+#define NLS_CAT(a, b) NLS_CAT2(a, b)
+#define NlsContract NLS_CAT(NlsContract, YXTOOLS_NLS_CODE_PAGE)
+
 namespace {
 
 const char* const kWine[] = {
