@@ -124,7 +124,7 @@ YX_PLATFORM void _splitpath(const char* path, char* drive, char* dir, char* fnam
 YX_PLATFORM void _makepath(char* path, const char* drive, const char* dir, const char* fname, const char* ext);
 
 // Files, folders and the runtime's file functions.
-#include "platform/posix/files_posix.h"
+#include "platform/posix/files/files_posix.h"
 // Movable memory. A fixed block's handle is its address; a movable block's handle is a token that
 // is never an address of its data, and the data may move while the block is not locked. Blocks
 // are tracked in one table, so a handle that is not a live block is refused with

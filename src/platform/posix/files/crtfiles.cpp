@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/files_internal.h"
+#include "platform/posix/files/files_internal.h"
 
 using namespace yxposix;
 

@@ -10,8 +10,8 @@
 #include <mutex>
 #include <string>
 
-#include "platform/posix/files_internal.h"
-#include "platform/posix/handle_table.h"
+#include "platform/posix/files/files_internal.h"
+#include "platform/posix/files/handle_table.h"
 
 namespace yxposix {
 

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/files_internal.h"
-#include "platform/posix/handle_table.h"
+#include "platform/posix/files/files_internal.h"
+#include "platform/posix/files/handle_table.h"
 
 using namespace yxposix;
 
