@@ -73,8 +73,11 @@ int _stat(const char* path, struct _stat* buffer)
     if (!StatPath(path, resolved, st)) {
         return -1;
     }
-    // The runtime takes a closing separator for part of a name, except after a root.
-    if (resolved.closedBySeparator) {
+    // The runtime takes a closing separator for part of a name, except after a root. It looks at
+    // the last byte, not the last character: a name whose trail byte is 0x5C counts as closed, as
+    // the Windows runtime (msvcrt) answers.
+    const std::size_t length = std::strlen(path);
+    if (resolved.closedBySeparator || (resolved.named && (path[length - 1] == '\\' || path[length - 1] == '/'))) {
         errno = ENOENT;
         return -1;
     }
