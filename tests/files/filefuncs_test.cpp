@@ -6,6 +6,10 @@
 
 #include "support/scratch.h"
 
+#if !defined(_WIN32)
+#include <sys/stat.h>
+#endif
+
 namespace {
 
 TEST(FileChangeFileExtension, Table)
@@ -68,6 +72,25 @@ TEST(FileQuestions, ModesAccessAndKinds)
     EXPECT_TRUE(File_IsFileReadOnly(folder["f"]));
     EXPECT_FALSE(File_ChMod(folder["missing"], 0x0180, &error));
     EXPECT_EQ(error, ENOENT);
+}
+
+// A FIFO is no file the library may open: its questions answer at once, never waiting for a writer.
+TEST(FileQuestions, AFifoNeverBlocks)
+{
+#if defined(_WIN32)
+    GTEST_SKIP() << "a Windows host has no FIFO to make";
+#else
+    const scratch::Folder folder;
+    const scratch::DescriptorGuard guard;
+    ASSERT_EQ(::mkfifo(folder.Native("pipe").c_str(), 0666), 0);
+    unsigned short reason = 0;
+    EXPECT_FALSE(File_IsOpenable(folder["pipe"], 0x01, &reason));
+    EXPECT_FALSE(File_IsOpenable(folder["PIPE"], 0x02, &reason));
+    EXPECT_FALSE(File_CopyFile(folder["pipe"], folder["copy"]));
+    EXPECT_FALSE(File_Exist(folder["copy"]));
+    EXPECT_TRUE(File_Exist(folder["Pipe"]));
+    EXPECT_TRUE(File_DeleteFile(folder["pipe"]));
+#endif
 }
 
 TEST(FileIsDriveReadOnly, ProbesAndLeavesNoProbeBehind)

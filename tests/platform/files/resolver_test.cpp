@@ -208,6 +208,19 @@ TEST(PathResolver, DotDotStopsAtTheRootOfTheDrive)
     EXPECT_EQ(Attributes(drive + ".."), kFolder);
 }
 
+TEST(PathResolver, TheDeviceNameSpaceOfAPath)
+{
+    const scratch::Folder folder;
+    folder.Write("map.txt", "");
+    EXPECT_EQ(OpenError("\\\\?\\" + folder["map.txt"]), ERROR_SUCCESS);
+    EXPECT_EQ(OpenError("\\\\.\\" + folder["map.txt"]), ERROR_SUCCESS);
+    EXPECT_EQ(OpenError("//./" + folder["map.txt"]), ERROR_SUCCESS);
+    // "\\?\" takes the rest as written: "." and ".." are no names there.
+    EXPECT_EQ(OpenError("\\\\?\\" + folder[".\\map.txt"]), ERROR_INVALID_NAME);
+    EXPECT_EQ(OpenError("\\\\.\\" + folder[".\\map.txt"]), ERROR_SUCCESS);
+    EXPECT_EQ(OpenError("\\\\.\\nul"), ERROR_SUCCESS);
+}
+
 TEST(PathResolver, PathsOfMaxPathBytesOrMore)
 {
     const scratch::Folder folder;
@@ -245,6 +258,34 @@ TEST(PathResolver, UncPathsInBothForms)
         EXPECT_EQ(OpenError(path), ERROR_PATH_NOT_FOUND);
         EXPECT_EQ(Find(std::string(path) + "\\*"), (Names{Error(ERROR_PATH_NOT_FOUND)}));
     }
+}
+
+TEST(PathResolver, SharesAndLinksStayInTheirFolders)
+{
+#if defined(_WIN32)
+    GTEST_SKIP() << "a share or a link is set up in the stand-in's prefix; Wine's prefix has neither";
+#else
+    const scratch::Folder folder;
+    // The share \\Server\Share is a folder of the prefix; the drive holds a link that leads out.
+    const scratch::fs::path prefix = std::getenv("YXTOOLS_PREFIX");
+    scratch::fs::create_directories(prefix / "dosdevices" / "unc" / "Server");
+    scratch::fs::create_directory_symlink(folder.Native("share"), prefix / "dosdevices" / "unc" / "Server" / "Share");
+    scratch::fs::create_directories(folder.Native("share/in"));
+    folder.Write("share/f", "");
+    folder.Write("map.txt", "");
+    scratch::fs::create_directory_symlink(folder.Native("share/in"), folder.Native("link"));
+    for (const char* path : {"\\\\server\\share\\F", "//Server/Share/f", "\\\\SERVER\\share\\..\\..\\f",
+                             "\\\\?\\UNC\\server\\share\\f", "\\\\server\\share\\in\\..\\f"}) {
+        SCOPED_TRACE(path);
+        EXPECT_EQ(OpenError(path), ERROR_SUCCESS);
+    }
+    EXPECT_EQ(Attributes("\\\\server\\share"), kFolder);
+    EXPECT_EQ(Attributes("\\\\server"), Error(ERROR_PATH_NOT_FOUND));
+    // A link is followed, but ".." goes by the text: back out of the link, not out of its target.
+    EXPECT_EQ(OpenError(folder["link\\..\\map.txt"]), ERROR_SUCCESS);
+    EXPECT_EQ(OpenError(folder["link\\..\\f"]), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(Find(folder["LINK\\*"]), (Names{".", ".."}));
+#endif
 }
 
 #if defined(_WIN32)

@@ -156,12 +156,11 @@ std::string CurrentDrive(Names& names)
     std::string best = "/";
     std::size_t bestLength = 0;
     NamesBelow(current, "/", names);
-    const std::string dosdevices = Prefix() + "/dosdevices/";
     for (char letter = 'a'; letter <= 'z'; ++letter) {
-        const std::string drive = RealPath(dosdevices + letter + ':');
+        const std::string drive = RealPath(DriveFolder(letter));
         Names below;
         if (!drive.empty() && drive.size() > bestLength && NamesBelow(current, drive, below)) {
-            best = dosdevices + letter + ':';
+            best = DriveFolder(letter);
             bestLength = drive.size();
             names = below;
         }
@@ -466,7 +465,6 @@ Resolved ResolvePath(const char* path, bool pattern)
         r.path = Join(folder, name); // the folder is the part before the last '/'
         return r;
     }
-    r.name = name;
     r.device = start.literal ? Device::kNone : DeviceOf(name);
     if (r.device != Device::kNone) {
         r.exists = true;
