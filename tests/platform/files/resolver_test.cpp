@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/win32.h"
+#include "find_names.h"
 #include "support/scratch.h"
 
 #if defined(_WIN32)
@@ -20,7 +21,8 @@
 
 namespace {
 
-using Names = std::vector<std::string>;
+using platform_test::Find;
+using platform_test::Names;
 
 // The last error of an open (ERROR_SUCCESS when it opened; the handle is closed again).
 DWORD OpenError(const std::string& path, DWORD disposition = OPEN_EXISTING, DWORD access = GENERIC_READ)
@@ -49,24 +51,6 @@ const std::string kFolder = "attributes " + std::to_string(FILE_ATTRIBUTE_DIRECT
 std::string Error(DWORD error)
 {
     return "error " + std::to_string(error);
-}
-
-// The names a search gives, sorted (Wine gives them in the order of the host's file system).
-Names Find(const std::string& search)
-{
-    Names names;
-    WIN32_FIND_DATAA data;
-    HANDLE find = FindFirstFileA(search.c_str(), &data);
-    if (find == INVALID_HANDLE_VALUE) {
-        names.push_back(Error(GetLastError()));
-        return names;
-    }
-    do {
-        names.emplace_back(data.cFileName);
-    } while (FindNextFileA(find, &data));
-    FindClose(find);
-    std::sort(names.begin(), names.end());
-    return names;
 }
 
 TEST(PathResolver, CaseDotsSpacesAndSeparators)
