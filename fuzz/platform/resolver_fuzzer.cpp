@@ -54,14 +54,17 @@ bool Inside(const std::string& path, const std::string& root)
     if (path.size() > root.size() && path[root.size()] != '/' && root != "/") {
         return false;
     }
-    std::size_t from = root.size();
-    while (from < path.size()) {
-        const std::size_t to = std::min(path.find('/', from + 1), path.size());
-        const std::string step = path.substr(from + 1, to - from - 1);
+    const std::string below = path.substr(root.size()) + "/";
+    std::string step;
+    for (const char c : below) {
+        if (c != '/') {
+            step += c;
+            continue;
+        }
         if (step == "." || step == "..") {
             return false;
         }
-        from = to;
+        step.clear();
     }
     return true;
 }

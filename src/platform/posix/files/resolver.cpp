@@ -60,6 +60,9 @@ struct Split {
     Names names;
     std::vector<bool> invalid;
     bool closed = false;
+    // A double-byte character whose trail byte is '/' (none of the Windows code pages has one): no
+    // name on disk can hold it.
+    bool slashTrail = false;
 };
 
 Split SplitNames(const char* text, const LeadByteTable& lead)
@@ -83,6 +86,7 @@ Split SplitNames(const char* text, const LeadByteTable& lead)
             if (p[1] == '\0') {
                 break;
             }
+            out.slashTrail = out.slashTrail || p[1] == '/';
             name += *p;
             name += *++p;
             continue;
@@ -326,8 +330,8 @@ Start StartOf(const char* path, const LeadByteTable& lead)
             unc = rest + 4;
         }
         const Split parts = SplitNames(unc, lead);
-        if (parts.names.size() < 2) {
-            start.error = ERROR_PATH_NOT_FOUND;
+        if (parts.slashTrail || parts.names.size() < 2) {
+            start.error = parts.slashTrail ? ERROR_INVALID_NAME : ERROR_PATH_NOT_FOUND;
             return start;
         }
         std::string server;
@@ -400,6 +404,10 @@ Resolved ResolvePath(const char* path, bool pattern)
     }
     r.root = start.root;
     const Split split = SplitNames(start.rest, lead);
+    if (split.slashTrail) {
+        r.error = ERROR_INVALID_NAME;
+        return r;
+    }
     r.closedBySeparator = split.closed;
     r.named = !split.names.empty();
 

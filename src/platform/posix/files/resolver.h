@@ -4,7 +4,8 @@
 //
 // - Characters are walked under the ANSI code page: a trail byte 0x5C or 0x2F of a double-byte
 //   character belongs to the name, never separates. A lead byte with nothing after it is dropped,
-//   as the conversion to Unicode drops it. Names are kept on disk as the caller's bytes.
+//   as the conversion to Unicode drops it. Names are kept on disk as the caller's bytes, so a lead
+//   byte followed by '/' (a pair that no Windows code page defines) makes ERROR_INVALID_NAME.
 // - `\` and `/` separate. "X:\..." is on drive X, whose folder is the link <prefix>/dosdevices/x:
 //   (DriveFolder). "X:name" is relative to the drive's current folder: the process's current
 //   folder when it lies on that drive, else the drive's root, as Wine keeps no other. A path that
