@@ -11,7 +11,7 @@
 //   folder when it lies on that drive, else the drive's root, as Wine keeps no other. A path that
 //   starts with one separator is on the current drive; the current drive of a process whose
 //   current folder lies on no drive is the POSIX root, the way Wine's drive Z: maps "/". So POSIX
-//   paths ("/tmp/x") keep working.
+//   paths ("/srv/data/x") keep working.
 // - "\\server\share\..." and "//server/share/..." are one UNC path, on the folder
 //   <prefix>/dosdevices/unc/<server>/<share> (UncFolder), whose root is the share. "\\.\X:\..."
 //   is "X:\..."; "\\?\X:\..." too, but taken as written: no `.`, `..` or trailing dots dropped
