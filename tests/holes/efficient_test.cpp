@@ -132,6 +132,46 @@ TEST(EfficientHoleManager, AmongEqualHolesTheSortDecides)
     EXPECT_EQ(m.Holes(), (std::vector<tagFILEHOLE>{{10, 5}, {30, 5}, {20, 5}}));
 }
 
+// A merge pass can leave no hole at all: the questions that run it then answer as on an empty
+// list, and the manager holds no memory.
+TEST(EfficientHoleManager, QuestionsAfterAMergeThatLeavesNoHole)
+{
+    const struct {
+        const char* question;
+        unsigned long (*ask)(EfficientView&);
+    } questions[] = {
+        {"GetBestHole(5)", [](EfficientView& m) { return m.GetBestHole(5); }},
+        {"GetBestHole(0)", [](EfficientView& m) { return m.GetBestHole(0); }},
+        {"GetTruncateOffset(100)", [](EfficientView& m) { return m.GetTruncateOffset(100); }},
+    };
+    for (const auto& q : questions) {
+        EfficientView m;
+        AddAll(m, {{100, 0}, {100, 0}});
+        EXPECT_EQ(q.ask(m), kNone) << q.question;
+        EXPECT_EQ(m.GetNumberOfHoles(), 0) << q.question;
+        EXPECT_EQ(m.TableSize(), 0) << q.question;
+        EXPECT_TRUE(m.Check()) << q.question;
+        EXPECT_TRUE(m.AddHole(7, 3));
+        EXPECT_EQ(m.GetBestHole(3), 7u) << q.question;
+    }
+}
+
+// A partial removal of more than a hole holds moves its start past bit 31 in place, while the
+// offset order is still taken to hold: UnlockAllHoles clears the bit there too.
+TEST(EfficientHoleManager, UnlockAllHolesReachesEveryLockedHole)
+{
+    EfficientView m;
+    AddAll(m, {{100, 50}, {1000, 50}});
+    ASSERT_TRUE(m.IsHole(100)); // offset order
+    const tagFILEHOLE* rest = m.RemoveHole(100, 0x7FFFFFF0L);
+    ASSERT_NE(rest, nullptr);
+    EXPECT_EQ(rest->dwOffset, 0x80000054u);
+    EXPECT_TRUE(m.UnlockAllHoles());
+    EXPECT_EQ(m.Holes(), (std::vector<tagFILEHOLE>{{0x54, 50 - 0x7FFFFFF0}, {1000, 50}}));
+    EXPECT_FALSE(m.UnlockAllHoles());
+    EXPECT_TRUE(m.Check());
+}
+
 // Only the start of a hole is a hole; a locked one is found with or without its bit.
 TEST(EfficientHoleManager, HolesAreFoundByTheirStart)
 {
