@@ -126,7 +126,9 @@ TEST_F(ErrorsLog, CopiesAreDeepAndKeepTheProcedure)
 
     YXErrorsLogManager assigned;
     assigned = log;
-    AddAll(assigned, {"3", "4"}); // the maximum of 3 came along
+    g_counts.clear();
+    AddAll(assigned, {"3", "4"}); // the maximum of 3 and the procedure came along
+    EXPECT_EQ(g_counts, (std::vector<unsigned long>{3, 3}));
     EXPECT_EQ(Descriptions(assigned), (Texts{"4", "3", "2"}));
     EXPECT_EQ(Descriptions(log), (Texts{"2", "1"}));
     const YXErrorsLogManager& self = assigned;

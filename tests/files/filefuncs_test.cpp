@@ -161,6 +161,8 @@ TEST(FileCopyFile, FailuresChangeNothingAndLeaveNoTarget)
     EXPECT_FALSE(File_CopyFile(writeOnly, folder["copy"]));
     EXPECT_FALSE(folder.Exists("copy"));
     EXPECT_EQ(writeOnly.GetLastError(), 4u);
+    EXPECT_FALSE(File_CopyFile(writeOnly, to)); // and the target is closed all the same
+    EXPECT_FALSE(to.IsOpen());
 }
 
 } // namespace
