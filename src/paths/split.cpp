@@ -79,6 +79,8 @@ bool YXPath::Split(const _SS<char>& path, _SS<char>* pDrive, _SS<char>* pDirecto
     // An out-argument may be the path itself: the split then reads a copy, which the assignments
     // of the components leave alone, and the kind is that of the path as given.
     if (pDrive == &path || pDirectory == &path || pName == &path || pExtension == &path) {
+        // The copy is the point: the out-arguments write over the path it stands for.
+        // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
         const _SS<char> copy(path);
         return Split(copy, pDrive, pDirectory, pName, pExtension, pKind);
     }
