@@ -76,6 +76,14 @@ YXPATHKIND YXPath::GetPathProtocol(const _SS<char>& path)
 bool YXPath::Split(const _SS<char>& path, _SS<char>* pDrive, _SS<char>* pDirectory, _SS<char>* pName,
                    _SS<char>* pExtension, YXPATHKIND* pKind)
 {
+    // An out-argument may be the path itself: the split then reads a copy, which the assignments
+    // of the components leave alone, and the kind is that of the path as given.
+    if (pDrive == &path || pDirectory == &path || pName == &path || pExtension == &path) {
+        // The copy is the point: the out-arguments write over the path it stands for.
+        // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
+        const _SS<char> copy(path);
+        return Split(copy, pDrive, pDirectory, pName, pExtension, pKind);
+    }
     bool result = true;
     if (path.size() < kLongPath) {
         char drive[_MAX_DRIVE];

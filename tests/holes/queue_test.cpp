@@ -4,11 +4,11 @@
 #include <cstdint>
 #include <memory>
 #include <random>
-#include <set>
 #include <utility>
 #include <vector>
 
 #include "holes_test_util.h"
+#include "reference_heap.h"
 
 namespace {
 
@@ -18,6 +18,17 @@ public:
     using YXPriorityQueue::YXPriorityQueue;
     std::int32_t Size() const { return m_lSize; }
     const tagPQCELL& Cell(std::int32_t i) const { return m_pCells[i]; }
+
+    // The same cells in the same places as the reference, and every handle at its place.
+    ::testing::AssertionResult Matches(const ReferenceHeap& ref) const
+    {
+        HOLES_REQUIRE(static_cast<std::size_t>(m_lSize) == ref.Size());
+        for (std::int32_t i = 1; i <= m_lSize; ++i) {
+            HOLES_REQUIRE(m_pCells[i] == ref.cells[static_cast<std::size_t>(i)])
+                << " at cell " << i << ": " << m_pCells[i] << " against " << ref.cells[static_cast<std::size_t>(i)];
+        }
+        return Check();
+    }
 
     // Heap order, handles equal to indices, and the last-cell pointer.
     ::testing::AssertionResult Check() const
@@ -55,73 +66,91 @@ TEST(PriorityQueue, IncrementOfZeroOrLessRefusesEveryCell)
     }
 }
 
-// Long random sequences of every operation against a sorted set, with heap order and every
-// handle checked after each call. Some cells have no handle; some values are the 32-bit extremes,
-// the smallest being the sentinel's own.
-TEST(PriorityQueue, RandomOperationsKeepHandlesAndOrder)
+// A sinking cell stops at a child of equal value and goes on past a smaller one; of two equal
+// children the right one rises. The head of a heap built from the values (cell i holds data i)
+// gets a larger value and sinks.
+TEST(PriorityQueue, SinkingWalkAmongEqualValues)
+{
+    const struct {
+        const char* what;
+        std::vector<long> values;
+        long sink;
+        std::vector<unsigned long> after; // data by place, from cell 1
+    } cases[] = {
+        {"lone child equal", {0, 5}, 5, {0, 1}},
+        {"left child equal and the smaller", {0, 5, 9}, 5, {0, 1, 2}},
+        {"right child equal and the smaller", {0, 6, 5}, 5, {0, 1, 2}},
+        {"two equal children below it", {0, 4, 4}, 5, {2, 1, 0}},
+        {"grandchild equal", {0, 4, 9, 6, 7}, 6, {1, 0, 2, 3, 4}},
+        {"every child smaller", {0, 4, 9, 6, 7}, 8, {1, 3, 2, 0, 4}},
+    };
+    for (const auto& c : cases) {
+        QueueView q(10);
+        for (std::size_t i = 0; i < c.values.size(); ++i) {
+            ASSERT_TRUE(q.AddValue(c.values[i], static_cast<unsigned long>(i), nullptr));
+        }
+        q.ChangeValue(1, c.sink);
+        std::vector<unsigned long> after;
+        for (std::int32_t i = 1; i <= q.Size(); ++i) {
+            after.push_back(q.Cell(i).dwData);
+        }
+        EXPECT_EQ(after, c.after) << c.what;
+    }
+}
+
+// Long random sequences of every operation against the reference heap: the same cells in the same
+// places after each call, and every handle at its place. Some cells have no handle; values come
+// from a narrow range, so that ties are frequent, and some are the 32-bit extremes, the smallest
+// being the sentinel's own.
+TEST(PriorityQueue, RandomOperationsAgainstTheReferenceHeap)
 {
     for (const std::uint32_t seed : {11U, 12U, 13U}) {
         std::mt19937 rng(seed);
         const auto draw = [&rng](std::size_t n) { return static_cast<std::size_t>(rng() % n); };
         QueueView q(7);
-        std::vector<std::unique_ptr<long>> handles;          // one per cell ever added: they must stay put
-        std::multiset<std::pair<long, unsigned long>> model; // (value, cell id)
-        std::vector<unsigned long> live;                     // ids of the cells in the queue with a handle
-        const auto add = [&](long value, bool withHandle) {
+        ReferenceHeap ref;
+        std::vector<std::unique_ptr<long>> handles; // one per cell ever added: they must stay put
+        const auto cell = [&](std::int32_t value, bool withHandle) {
             handles.push_back(std::make_unique<long>(-1));
-            model.emplace(value, handles.size() - 1);
-            if (withHandle) {
-                live.push_back(handles.size() - 1);
-            }
-            return withHandle ? handles.back().get() : nullptr;
-        };
-        const auto take = [&](long value, unsigned long id) {
-            const auto cell = model.find({value, id});
-            ASSERT_NE(cell, model.end()) << "no cell " << id << " of value " << value;
-            model.erase(cell);
-            live.erase(std::remove(live.begin(), live.end(), id), live.end());
+            return tagPQCELL{value, withHandle ? handles.back().get() : nullptr,
+                             static_cast<std::uint32_t>(handles.size())};
         };
         for (int step = 0; step < 20000 && !HasFailure(); ++step) {
             const std::size_t op = draw(100);
-            const long extreme = draw(2) == 0 ? INT32_MIN : INT32_MAX;
-            const long value = draw(50) == 0 ? extreme : static_cast<long>(draw(200)) - 100;
-            const long least = model.empty() ? 0 : model.begin()->first;
-            const unsigned long next = handles.size();
+            const std::int32_t extreme = draw(2) == 0 ? INT32_MIN : INT32_MAX;
+            const auto value = draw(50) == 0 ? extreme : static_cast<std::int32_t>(draw(draw(3) == 0 ? 200 : 6)) - 3;
             long head = 0;
-            unsigned long id = 0;
-            if (op < 40 || model.empty()) {
-                ASSERT_TRUE(q.AddValue(value, next, add(value, draw(4) != 0)));
+            unsigned long data = 0;
+            if (op < 40 || ref.Size() == 0) {
+                const tagPQCELL c = cell(value, draw(4) != 0);
+                ASSERT_TRUE(q.AddValue(c.lValue, c.dwData, c.plIndex));
+                ref.Add(c);
             } else if (op < 60) {
-                ASSERT_EQ(q.RemoveHead(head, id), 0);
-                ASSERT_EQ(head, least);
-                take(head, id);
+                ASSERT_EQ(q.RemoveHead(head, data), 0);
+                const tagPQCELL expected = ref.RemoveHead();
+                ASSERT_EQ(head, expected.lValue);
+                ASSERT_EQ(data, expected.dwData);
             } else if (op < 70) {
-                ASSERT_EQ(q.RemoveAddHead(head, id, value, next, add(value, true)), 0);
-                ASSERT_EQ(head, least);
-                take(head, id);
-            } else if (op < 99 && !live.empty()) {
-                const unsigned long target = live[draw(live.size())];
-                const long cell = *handles[target];
-                const long old = q.Cell(static_cast<std::int32_t>(cell)).lValue;
+                const tagPQCELL c = cell(value, true);
+                ASSERT_EQ(q.RemoveAddHead(head, data, c.lValue, c.dwData, c.plIndex), 0);
+                const tagPQCELL expected = ref.RemoveAddHead(c);
+                ASSERT_EQ(data, expected.dwData);
+            } else if (op < 99) {
+                const auto k = static_cast<std::int32_t>(1 + draw(ref.Size()));
                 if (op < 85) {
-                    ASSERT_EQ(q.RemoveCell(cell), 0);
-                    take(old, target);
+                    ASSERT_EQ(q.RemoveCell(k), 0);
+                    ref.RemoveCell(static_cast<std::size_t>(k));
                 } else {
-                    q.ChangeValue(cell, value);
-                    take(old, target);
-                    model.emplace(value, target);
-                    live.push_back(target);
+                    q.ChangeValue(k, value);
+                    ref.Change(static_cast<std::size_t>(k), value);
                 }
-            } else if (op == 99 && draw(10) == 0) {
+            } else if (draw(10) == 0) {
                 q.ReInit();
-                model.clear();
-                live.clear();
+                ref = ReferenceHeap();
             }
             ASSERT_EQ(q.RemoveCell(q.Size() + 1), -1);
-            ASSERT_TRUE(q.Check()) << "seed " << seed << " step " << step;
-            ASSERT_EQ(q.Size(), static_cast<std::int32_t>(model.size()));
-            ASSERT_EQ(q.ReadHead(head, id), model.empty() ? 0 : -1);
-            ASSERT_EQ(head, model.empty() ? head : model.begin()->first);
+            ASSERT_TRUE(q.Matches(ref)) << "seed " << seed << " step " << step;
+            ASSERT_EQ(q.ReadHead(head, data), ref.Size() == 0 ? 0 : -1);
         }
     }
 }
@@ -156,51 +185,61 @@ TEST(SpeedHoleManager, AmongEqualHolesTheHeapDecides)
     EXPECT_EQ(m.GetBestHole(5), 30u);
 }
 
-// Random allocation and freeing against a sorted set of holes.
-TEST(SpeedHoleManager, RandomHostAgainstASortedSet)
+// Random allocation and freeing against the reference heap of negated sizes: the same hole is
+// the answer, and the same cells stand in the same places of the manager's queue.
+TEST(SpeedHoleManager, RandomHostAgainstTheReferenceHeap)
 {
     for (const std::uint32_t seed : {21U, 22U}) {
         std::mt19937 rng(seed);
         YXSpeedHoleManager m;
-        std::multiset<std::pair<std::int32_t, std::uint32_t>> holes; // (size, offset)
+        ReferenceHeap ref;
         std::uint32_t sum = 0;
         std::uint32_t fileLength = 0;
         for (int step = 0; step < 20000 && !HasFailure(); ++step) {
-            const auto size = static_cast<std::int32_t>(rng() % 100);
+            const auto size = static_cast<std::int32_t>(rng() % (rng() % 2 == 0 ? 100 : 5));
             const auto op = rng() % 100;
-            const unsigned long answer = op < 55 ? kNone : m.GetBestHole(size);
-            const std::int32_t largest = holes.empty() ? -1 : holes.rbegin()->first;
-            const auto hole = holes.find({largest, static_cast<std::uint32_t>(answer)});
+            const tagPQCELL head = ref.Size() == 0 ? tagPQCELL{1, nullptr, 0} : ref.cells[1];
+            const bool fits = head.lValue <= 0 && (-head.lValue == size || -head.lValue >= size + m.GetHoleFootPrint());
             if (op < 55) {
-                m.AddHole(fileLength, size);
-                holes.emplace(size, fileLength);
+                ASSERT_TRUE(m.AddHole(fileLength, size));
+                ref.Add({-size, nullptr, fileLength});
                 fileLength += static_cast<std::uint32_t>(size) + 1;
                 sum += static_cast<std::uint32_t>(size);
             } else if (op == 55) {
                 m.ClearHoleList();
                 m.SetHoleFootPrint(static_cast<long>(rng() % 8));
-                holes.clear();
+                ref = ReferenceHeap();
                 sum = 0;
-            } else if (largest != size && largest < size + m.GetHoleFootPrint()) {
-                ASSERT_EQ(answer, kNone) << "step " << step;
+            } else if (!fits) {
+                ASSERT_EQ(m.GetBestHole(size), kNone) << "step " << step;
             } else {
-                ASSERT_NE(hole, holes.end()) << "answer " << answer << " is not a largest hole";
-                if (holes.begin()->second != answer) { // any other hole is refused
-                    ASSERT_EQ(m.RemoveHole(holes.begin()->second, holes.begin()->first), nullptr);
+                ASSERT_EQ(m.GetBestHole(size), head.dwData) << "step " << step;
+                if (ref.Size() > 1 && ref.cells[2].dwData != head.dwData) { // any other hole is refused
+                    ASSERT_EQ(m.RemoveHole(ref.cells[2].dwData, 1), nullptr);
                 }
-                const tagFILEHOLE* rest = m.RemoveHole(answer, size); // size 0 gives the head back whole
-                const tagFILEHOLE left{static_cast<std::uint32_t>(answer + size), largest - size};
+                const tagFILEHOLE* rest = m.RemoveHole(head.dwData, size); // size 0 gives the head back whole
                 sum -= static_cast<std::uint32_t>(size);
-                holes.erase(hole);
-                ASSERT_EQ(rest == nullptr, largest == size);
-                if (rest != nullptr) {
+                if (-head.lValue == size) {
+                    ASSERT_EQ(rest, nullptr);
+                    ref.RemoveHead();
+                } else {
+                    ASSERT_NE(rest, nullptr);
+                    const tagFILEHOLE left{head.dwData + static_cast<std::uint32_t>(size), -head.lValue - size};
                     ASSERT_EQ(*rest, left);
-                    holes.emplace(left.lSize, left.dwOffset);
+                    ref.RemoveAddHead({-left.lSize, nullptr, left.dwOffset});
                 }
             }
-            ASSERT_EQ(m.GetNumberOfHoles(), static_cast<long>(holes.size()));
+            ASSERT_EQ(m.GetNumberOfHoles(), static_cast<long>(ref.Size()));
             ASSERT_EQ(m.GetHolesSize(), sum);
         }
+        // The whole heap, cell by cell: the holes come out in the reference's order.
+        while (ref.Size() > 0 && !HasFailure()) {
+            const tagPQCELL expected = ref.cells[1];
+            ASSERT_EQ(m.GetBestHole(-expected.lValue), expected.dwData);
+            ASSERT_EQ(m.RemoveHole(expected.dwData, -expected.lValue), nullptr);
+            ref.RemoveHead();
+        }
+        EXPECT_EQ(m.GetBestHole(0), kNone);
     }
 }
 
