@@ -7,6 +7,7 @@
 #include <random>
 #include <vector>
 
+#include "holes_model.h"
 #include "holes_test_util.h"
 
 namespace {
@@ -22,43 +23,15 @@ std::vector<tagFILEHOLE> SortedByOffset(std::vector<tagFILEHOLE> holes)
     return holes;
 }
 
-// A view into the list, for checking every invariant after each call.
-class EfficientView : public YXEfficientHoleManager {
+// A view into the list, for checking every invariant after each call, and whether no two
+// unlocked holes touch while the manager says so.
+class EfficientView : public holes_model::EfficientView {
 public:
-    // The holes in list order.
-    std::vector<tagFILEHOLE> Holes() const
-    {
-        std::vector<tagFILEHOLE> out;
-        for (std::int32_t i = 0; i < m_lNumberOfHoles; ++i) {
-            out.push_back(m_ppBlocks[i / 200][i % 200]);
-        }
-        return out;
-    }
-    std::int32_t TableSize() const { return m_lBlockTableSize; }
-    std::int32_t BlocksHeld() const { return m_lBlockTableSize - m_wFreeTableEntries; }
-
-    // Every invariant that holds after a public call.
     ::testing::AssertionResult Check() const
     {
-        const std::int32_t blocks = BlocksHeld();
-        for (std::int32_t i = 0; i < m_lBlockTableSize; ++i) {
-            HOLES_REQUIRE((m_ppBlocks[i] != nullptr) == (i < blocks)) << " at entry " << i;
-        }
-        HOLES_REQUIRE(m_lFreeEntries == 200 * blocks - m_lNumberOfHoles && m_lFreeEntries < 200);
-        HOLES_REQUIRE(m_lNumberOfHoles > 0 || (m_ppBlocks == nullptr && m_lBlockTableSize == 0));
-        HOLES_REQUIRE(m_ppBlocks == nullptr || (m_lBlockTableSize % 20 == 0 && m_lBlockTableSize > blocks));
-        const std::vector<tagFILEHOLE> holes = Holes();
-        std::uint32_t sum = 0;
-        for (std::size_t i = 0; i < holes.size(); ++i) {
-            sum += static_cast<std::uint32_t>(holes[i].lSize);
-            const tagFILEHOLE& a = i > 0 ? holes[i - 1] : holes[i];
-            const tagFILEHOLE& b = holes[i];
-            HOLES_REQUIRE(m_wSortKey != YXHOLESORT_OFFSET || a.dwOffset <= b.dwOffset) << " " << a << b;
-            HOLES_REQUIRE(m_wSortKey != YXHOLESORT_SIZE || a.lSize <= b.lSize) << " " << a << b;
-            HOLES_REQUIRE(m_wSortKey != YXHOLESORT_SIZE_DESC || a.lSize >= b.lSize) << " " << a << b;
-        }
-        HOLES_REQUIRE(sum == m_dwHolesSize);
-        const std::vector<tagFILEHOLE> sorted = m_bOptimized ? SortedByOffset(holes) : std::vector<tagFILEHOLE>();
+        const std::string broken = Invariants();
+        HOLES_REQUIRE(broken.empty()) << ": " << broken;
+        const std::vector<tagFILEHOLE> sorted = m_bOptimized ? SortedByOffset(Holes()) : std::vector<tagFILEHOLE>();
         for (std::size_t i = 1; i < sorted.size(); ++i) {
             const tagFILEHOLE& a = sorted[i - 1];
             HOLES_REQUIRE((sorted[i].dwOffset & kLock) || a.dwOffset + std::uint32_t(a.lSize) != sorted[i].dwOffset)

@@ -8,25 +8,22 @@
 #include <utility>
 #include <vector>
 
+#include "holes_model.h"
 #include "holes_test_util.h"
 
 namespace {
 
 // A view into the heap, for checking handles and order after each call.
-class QueueView : public YXPriorityQueue {
+class QueueView : public holes_model::QueueView {
 public:
-    using YXPriorityQueue::YXPriorityQueue;
+    using holes_model::QueueView::QueueView;
     std::int32_t Size() const { return m_lSize; }
     const tagPQCELL& Cell(std::int32_t i) const { return m_pCells[i]; }
 
-    // Heap order, handles equal to indices, and the last-cell pointer.
     ::testing::AssertionResult Check() const
     {
-        HOLES_REQUIRE(m_lSize == 0 || m_pLast == m_pCells + m_lSize);
-        for (std::int32_t i = 1; i <= m_lSize; ++i) {
-            HOLES_REQUIRE(i == 1 || m_pCells[i].lValue >= m_pCells[i / 2].lValue) << " at cell " << i;
-            HOLES_REQUIRE(m_pCells[i].plIndex == nullptr || *m_pCells[i].plIndex == i) << " at cell " << i;
-        }
+        const std::string broken = Invariants(*this);
+        HOLES_REQUIRE(broken.empty()) << ": " << broken;
         return ::testing::AssertionSuccess();
     }
 };
