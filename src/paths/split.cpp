@@ -76,6 +76,12 @@ YXPATHKIND YXPath::GetPathProtocol(const _SS<char>& path)
 bool YXPath::Split(const _SS<char>& path, _SS<char>* pDrive, _SS<char>* pDirectory, _SS<char>* pName,
                    _SS<char>* pExtension, YXPATHKIND* pKind)
 {
+    // An out-argument may be the path itself: the split then reads a copy, which the assignments
+    // of the components leave alone, and the kind is that of the path as given.
+    if (pDrive == &path || pDirectory == &path || pName == &path || pExtension == &path) {
+        const _SS<char> copy(path);
+        return Split(copy, pDrive, pDirectory, pName, pExtension, pKind);
+    }
     bool result = true;
     if (path.size() < kLongPath) {
         char drive[_MAX_DRIVE];
@@ -99,6 +105,11 @@ bool YXPath::Split(const _SS<char>& path, _SS<char>* pDrive, _SS<char>* pDirecto
 bool YXPath::SlowSplit(const _SS<char>& path, _SS<char>* pDrive, _SS<char>* pDirectory, _SS<char>* pName,
                        _SS<char>* pExtension)
 {
+    // A derived class may call this route with the path as an out-argument too.
+    if (pDrive == &path || pDirectory == &path || pName == &path || pExtension == &path) {
+        const _SS<char> copy(path);
+        return SlowSplit(copy, pDrive, pDirectory, pName, pExtension);
+    }
     char drive[_MAX_DRIVE];
     _splitpath(path.c_str(), drive, nullptr, nullptr, nullptr);
     const std::size_t driveLength = std::strlen(drive);

@@ -83,6 +83,22 @@ TEST(FileIsDriveReadOnly, ProbesAndLeavesNoProbeBehind)
     EXPECT_TRUE(File_IsDriveReadOnly(folder.Root() + std::string(250, 'a') + "\\"));
 }
 
+// The probe's path may take up all 259 bytes that its buffer holds for text; one byte more and the
+// directory is answered as read-only without a probe.
+TEST(FileIsDriveReadOnly, ProbePathUpToTheBufferFull)
+{
+    const scratch::Folder folder;
+    const scratch::DescriptorGuard guard;
+    const std::size_t probeName = std::string("$$$$$$$$.$$$").size();
+    for (const std::size_t probeLength : {258u, 259u, 260u}) {
+        // the folder, a subfolder and its separator, then the probe's name
+        const std::string sub(probeLength - folder.Root().size() - 1 - probeName, 's');
+        scratch::fs::create_directory(folder.Native(sub));
+        EXPECT_EQ(File_IsDriveReadOnly(folder[sub + "\\"]), probeLength >= 260) << probeLength;
+        EXPECT_TRUE(scratch::fs::is_empty(folder.Native(sub))) << probeLength;
+    }
+}
+
 TEST(FileOperations, DeleteRenameAndTemp)
 {
     const scratch::Folder folder;
@@ -145,6 +161,8 @@ TEST(FileCopyFile, FailuresChangeNothingAndLeaveNoTarget)
     EXPECT_FALSE(File_CopyFile(writeOnly, folder["copy"]));
     EXPECT_FALSE(folder.Exists("copy"));
     EXPECT_EQ(writeOnly.GetLastError(), 4u);
+    EXPECT_FALSE(File_CopyFile(writeOnly, to)); // and the target is closed all the same
+    EXPECT_FALSE(to.IsOpen());
 }
 
 } // namespace

@@ -90,7 +90,6 @@ public:
     std::int32_t freeEntries = 0;
     std::int32_t tableSize = 0;
     std::int32_t footPrint = 0;
-    std::int32_t returned = -1; // the list index of the record the last partial removal returned
 
     std::int32_t Count() const { return static_cast<std::int32_t>(list.size()); }
     std::int32_t Blocks() const { return (Count() + freeEntries) / kBlock; }
@@ -112,15 +111,16 @@ public:
         optimized = false;
     }
 
-    // The record the real manager returns (found), or null (not found, or the whole hole went).
-    std::pair<bool, tagFILEHOLE> RemoveHole(std::uint32_t offset, std::int32_t size)
+    // The list index of the record the real manager returns; -1 for null (not found, or the
+    // whole hole went).
+    std::int32_t RemoveHole(std::uint32_t offset, std::int32_t size)
     {
         std::int32_t i = ByOffset(offset);
         if (i < 0 && (offset & kLock) == 0) {
             i = ByOffset(offset | kLock);
         }
         if (i < 0) {
-            return {false, {}};
+            return -1;
         }
         tagFILEHOLE& h = list[static_cast<std::size_t>(i)];
         if (size != 0 && size != h.lSize) {
@@ -132,12 +132,11 @@ public:
                 key = YXHOLESORT_NONE;
                 optimized = false;
             }
-            returned = i;
-            return {true, h};
+            return i;
         }
         RemoveWhole(i);
         key = YXHOLESORT_NONE;
-        return {false, {}};
+        return -1;
     }
 
     bool ClearHoleList()
@@ -208,28 +207,6 @@ public:
             optimized = false;
         }
         return any;
-    }
-
-    // Whether some hole with bit 31 stands before one without it although the list claims offset
-    // order: a partial removal that carries an offset past bit 31 leaves the order claimed.
-    bool LockedHoleInside() const
-    {
-        bool locked = false;
-        for (const tagFILEHOLE& h : list) {
-            if ((h.dwOffset & kLock) == 0 && locked) {
-                return key == YXHOLESORT_OFFSET;
-            }
-            locked = locked || (h.dwOffset & kLock) != 0;
-        }
-        return false;
-    }
-
-    // Whether the merge pass that the next question runs leaves no hole.
-    bool MergeEmptiesTheList() const
-    {
-        EfficientModel copy = *this;
-        copy.Optimize();
-        return copy.list.empty();
     }
 
 private:
@@ -408,7 +385,18 @@ public:
         }
         return out;
     }
-    const tagFILEHOLE* At(std::int32_t i) const { return &m_ppBlocks[i / kBlock][i % kBlock]; }
+    // The record at a list index; null for -1.
+    const tagFILEHOLE* At(std::int32_t i) const { return i < 0 ? nullptr : &m_ppBlocks[i / kBlock][i % kBlock]; }
+    // The list index of a record handed out; -1 for null or a record outside the list.
+    std::int32_t IndexOf(const tagFILEHOLE* record) const
+    {
+        for (std::int32_t i = 0; record != nullptr && i < m_lNumberOfHoles; ++i) {
+            if (At(i) == record) {
+                return i;
+            }
+        }
+        return -1;
+    }
     std::int32_t TableSize() const { return m_lBlockTableSize; }
     std::int32_t BlocksHeld() const { return m_lBlockTableSize - m_wFreeTableEntries; }
     std::int32_t FreeEntries() const { return m_lFreeEntries; }
