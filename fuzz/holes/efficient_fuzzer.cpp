@@ -8,7 +8,6 @@
 
 using holes_model::EfficientModel;
 using holes_model::EfficientView;
-using holes_model::kNone;
 
 namespace {
 
@@ -40,13 +39,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     while (!in.Done()) {
         switch (in.Below(12)) {
         case 0:
-        case 1: {
-            const std::uint32_t offset = Offset(in);
-            const std::int32_t hole = Size(in);
-            FUZZ_CHECK(m.AddHole(Wide<unsigned long>(offset, in), Wide<long>(hole, in)));
-            model.AddHole(offset, hole);
+        case 1:
+            AddOne(in, m, model);
             break;
-        }
         case 2: { // a run of holes, to cross blocks; lists stay below about 1000 holes, so that
                   // a check after every call stays cheap (the table's growth is a test of its own)
             const unsigned count = model.list.size() > 600 ? 0 : in.Below(450);
@@ -62,16 +57,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             break;
         }
         case 3:
-        case 4: { // a host's allocation: the best hole, then its removal
-            const std::int32_t request = Size(in);
-            const unsigned long answer = m.GetBestHole(Wide<long>(request, in));
-            FUZZ_CHECK(answer == model.GetBestHole(request));
-            Check(m, model);
-            if (answer != kNone) {
-                Remove(m, model, static_cast<std::uint32_t>(answer), request, in);
-            }
+        case 4: // the merge pass and the order of the question are checked before the removal
+            Allocate(in, m, model, [&](std::uint32_t offset, std::int32_t request) {
+                Check(m, model);
+                Remove(m, model, offset, request, in);
+            });
             break;
-        }
         case 5: { // any removal, of a hole that is there or not
             const std::uint32_t offset = model.list.empty() || in.Byte() < 64
                                              ? Offset(in)
@@ -107,13 +98,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             break;
         }
         default:
-            if (in.Byte() < 16) {
-                FUZZ_CHECK(m.ClearHoleList() && model.ClearHoleList());
-            } else {
-                const std::int32_t footPrint = in.Byte() < 200 ? static_cast<std::int32_t>(in.Below(20)) : Size(in);
-                m.SetHoleFootPrint(footPrint);
-                model.footPrint = footPrint;
-            }
+            ClearOrFootPrint(in, m, model, 16);
             break;
         }
         Check(m, model);

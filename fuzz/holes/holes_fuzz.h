@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "fuzz_support.h"
+#include "holes/holes_model.h"
 
 inline std::uint32_t Offset(FuzzInput& in)
 {
@@ -35,6 +36,41 @@ Long Wide(Long value, FuzzInput& in)
                                  (static_cast<std::uint64_t>(in.Byte() | 1U) << 40U));
     }
     return value;
+}
+
+// One hole, added to the manager and the model.
+template <class Manager, class Model>
+void AddOne(FuzzInput& in, Manager& m, Model& model)
+{
+    const std::uint32_t offset = Offset(in);
+    const std::int32_t hole = Size(in);
+    FUZZ_CHECK(m.AddHole(Wide<unsigned long>(offset, in), Wide<long>(hole, in)));
+    model.AddHole(offset, hole);
+}
+
+// A host's allocation: the best hole for a request, then remove(offset, request) when there is one.
+template <class Manager, class Model, class Remove>
+void Allocate(FuzzInput& in, Manager& m, Model& model, Remove remove)
+{
+    const std::int32_t request = Size(in);
+    const unsigned long answer = m.GetBestHole(Wide<long>(request, in));
+    FUZZ_CHECK(answer == model.GetBestHole(request));
+    if (answer != holes_model::kNone) {
+        remove(static_cast<std::uint32_t>(answer), request);
+    }
+}
+
+// A cleared list when the next byte is below clearBelow, else a new foot print.
+template <class Manager, class Model>
+void ClearOrFootPrint(FuzzInput& in, Manager& m, Model& model, std::uint8_t clearBelow)
+{
+    if (in.Byte() < clearBelow) {
+        FUZZ_CHECK(m.ClearHoleList() && model.ClearHoleList());
+        return;
+    }
+    const std::int32_t footPrint = in.Byte() < 200 ? static_cast<std::int32_t>(in.Below(20)) : Size(in);
+    m.SetHoleFootPrint(footPrint);
+    model.footPrint = footPrint;
 }
 
 #endif

@@ -30,18 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto increment = static_cast<std::int32_t>(in.Below(12)) - 2; // -2 to 9
     QueueView q(increment);
     QueueModel model(increment);
-    std::vector<std::unique_ptr<long>> variables; // the caller's handle variables, kept to the end
-    std::vector<long*> handles;
-    const auto newHandle = [&](bool wanted) {
-        if (!wanted) {
-            return -1;
-        }
-        variables.push_back(std::make_unique<long>(-1));
-        handles.push_back(variables.back().get());
-        model.handles.push_back(-1);
-        return static_cast<int>(handles.size()) - 1;
-    };
-    const auto pointer = [&](int handle) { return handle >= 0 ? handles[static_cast<std::size_t>(handle)] : nullptr; };
+    holes_model::Handles handles(model);
     while (!in.Done()) {
         long value = 7;
         unsigned long headData = 7;
@@ -52,8 +41,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         case 1: {
             const std::int32_t v = Value(in);
             const std::uint32_t d = in.Byte();
-            const int handle = newHandle(in.Byte() < 200);
-            FUZZ_CHECK(q.AddValue(Wide<long>(v, in), d, pointer(handle)) == model.AddValue(v, d, handle));
+            const int handle = handles.New(in.Byte() < 200);
+            FUZZ_CHECK(q.AddValue(Wide<long>(v, in), d, handles.Pointer(handle)) == model.AddValue(v, d, handle));
             break;
         }
         case 2: {
@@ -66,8 +55,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             const std::int32_t v = Value(in);
             const std::uint32_t d = in.Byte();
             // The new cell's handle only when the queue takes it.
-            const int handle = q.IsEmpty() != 0 ? -1 : newHandle(in.Byte() < 200);
-            const short result = q.RemoveAddHead(value, headData, v, d, pointer(handle));
+            const int handle = q.IsEmpty() != 0 ? -1 : handles.New(in.Byte() < 200);
+            const short result = q.RemoveAddHead(value, headData, v, d, handles.Pointer(handle));
             FUZZ_CHECK(result == (model.RemoveAddHead(modelValue, modelData, v, d, handle) ? 0 : -1));
             FUZZ_CHECK(value == modelValue && headData == modelData);
             break;
@@ -101,7 +90,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             }
             break;
         }
-        const std::string broken = QueueView::Invariants(q) + QueueView::Against(q, model, handles);
+        const std::string broken = QueueView::Invariants(q) + QueueView::Against(q, model, handles.All());
         if (!broken.empty()) {
             std::fprintf(stderr, "%s\n", broken.c_str());
         }

@@ -52,13 +52,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         SpeedModel& model = models[which];
         switch (in.Below(8)) {
         case 0:
-        case 1: {
-            const std::uint32_t offset = Offset(in);
-            const std::int32_t hole = Size(in);
-            FUZZ_CHECK(m.AddHole(Wide<unsigned long>(offset, in), Wide<long>(hole, in)));
-            model.AddHole(offset, hole);
+        case 1:
+            AddOne(in, m, model);
             break;
-        }
         case 2: { // a run of holes, to make the queue grow
             const unsigned count = model.count > 300 ? 0 : in.Below(150);
             const std::int32_t hole = Size(in);
@@ -70,15 +66,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             break;
         }
         case 3:
-        case 4: { // a host's allocation: the best hole, then its removal
-            const std::int32_t request = Size(in);
-            const unsigned long answer = m.GetBestHole(Wide<long>(request, in));
-            FUZZ_CHECK(answer == model.GetBestHole(request));
-            if (answer != kNone) {
-                Remove(m, model, static_cast<std::uint32_t>(answer), request, in);
-            }
+        case 4:
+            Allocate(in, m, model,
+                     [&](std::uint32_t offset, std::int32_t request) { Remove(m, model, offset, request, in); });
             break;
-        }
         case 5: // any removal: only the head's offset is taken
             Remove(m, model, Offset(in), Size(in), in);
             break;
@@ -88,13 +79,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             break;
         }
         default:
-            if (in.Byte() < 32) {
-                FUZZ_CHECK(m.ClearHoleList() && model.ClearHoleList());
-            } else {
-                const std::int32_t footPrint = in.Byte() < 200 ? static_cast<std::int32_t>(in.Below(20)) : Size(in);
-                m.SetHoleFootPrint(footPrint);
-                model.footPrint = footPrint;
-            }
+            ClearOrFootPrint(in, m, model, 32);
             break;
         }
         Check(managers[0], models[0]);

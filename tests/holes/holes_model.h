@@ -622,6 +622,32 @@ private:
     }
 };
 
+// The caller's handle variables for a real queue and its model side by side: each is a long that
+// stays put to the end, named by its number in the model.
+class Handles {
+public:
+    explicit Handles(QueueModel& model) : m_model(model) {}
+
+    // A new variable's number, or -1 (no handle) when none is wanted.
+    int New(bool wanted)
+    {
+        if (!wanted) {
+            return -1;
+        }
+        m_variables.push_back(std::make_unique<long>(-1));
+        m_pointers.push_back(m_variables.back().get());
+        m_model.handles.push_back(-1);
+        return static_cast<int>(m_pointers.size()) - 1;
+    }
+    long* Pointer(int handle) const { return handle >= 0 ? m_pointers[static_cast<std::size_t>(handle)] : nullptr; }
+    const std::vector<long*>& All() const { return m_pointers; }
+
+private:
+    QueueModel& m_model;
+    std::vector<std::unique_ptr<long>> m_variables;
+    std::vector<long*> m_pointers;
+};
+
 // Reads the state of any real queue.
 class QueueView : public YXPriorityQueue {
 public:

@@ -96,18 +96,7 @@ TEST(PriorityQueue, RandomOperationsAgainstTheModel)
         const auto draw = [&rng](std::size_t n) { return static_cast<std::size_t>(rng() % n); };
         QueueView q(7);
         holes_model::QueueModel model(7);
-        std::vector<std::unique_ptr<long>> variables; // one per handle given: they must stay put
-        std::vector<long*> handles;
-        const auto handle = [&](bool wanted) {
-            if (!wanted) {
-                return -1;
-            }
-            variables.push_back(std::make_unique<long>(-1));
-            handles.push_back(variables.back().get());
-            model.handles.push_back(-1);
-            return static_cast<int>(handles.size()) - 1;
-        };
-        const auto pointer = [&](int h) { return h >= 0 ? handles[static_cast<std::size_t>(h)] : nullptr; };
+        holes_model::Handles handles(model);
         for (int step = 0; step < 20000 && !HasFailure(); ++step) {
             const std::size_t op = draw(100);
             const std::int32_t extreme = draw(2) == 0 ? INT32_MIN : INT32_MAX;
@@ -118,8 +107,8 @@ TEST(PriorityQueue, RandomOperationsAgainstTheModel)
             std::int32_t expected = 0;
             std::uint32_t expectedData = 0;
             if (op < 40 || model.Size() == 0) {
-                const int h = handle(draw(4) != 0);
-                ASSERT_TRUE(q.AddValue(value, data, pointer(h)));
+                const int h = handles.New(draw(4) != 0);
+                ASSERT_TRUE(q.AddValue(value, data, handles.Pointer(h)));
                 model.AddValue(value, data, h);
             } else if (op < 60) {
                 ASSERT_EQ(q.RemoveHead(head, headData), 0);
@@ -127,8 +116,8 @@ TEST(PriorityQueue, RandomOperationsAgainstTheModel)
                 ASSERT_EQ(head, expected);
                 ASSERT_EQ(headData, expectedData);
             } else if (op < 70) {
-                const int h = handle(true);
-                ASSERT_EQ(q.RemoveAddHead(head, headData, value, data, pointer(h)), 0);
+                const int h = handles.New(true);
+                ASSERT_EQ(q.RemoveAddHead(head, headData, value, data, handles.Pointer(h)), 0);
                 model.RemoveAddHead(expected, expectedData, value, data, h);
                 ASSERT_EQ(headData, expectedData);
             } else if (op < 99) {
@@ -145,7 +134,7 @@ TEST(PriorityQueue, RandomOperationsAgainstTheModel)
                 model.ReInit();
             }
             ASSERT_EQ(q.RemoveCell(q.Size() + 1), -1);
-            ASSERT_TRUE(q.Matches(model, handles)) << "seed " << seed << " step " << step;
+            ASSERT_TRUE(q.Matches(model, handles.All())) << "seed " << seed << " step " << step;
             ASSERT_EQ(q.ReadHead(head, headData), model.Size() == 0 ? 0 : -1);
         }
     }
