@@ -7,8 +7,8 @@
 #include <random>
 #include <vector>
 
+#include "holes_model.h"
 #include "holes_test_util.h"
-#include "reference_list.h"
 
 namespace {
 
@@ -23,62 +23,27 @@ std::vector<tagFILEHOLE> SortedByOffset(std::vector<tagFILEHOLE> holes)
     return holes;
 }
 
-// A view into the list, for checking every invariant after each call.
-class EfficientView : public YXEfficientHoleManager {
+// A view into the list, for checking every invariant after each call, and whether no two
+// unlocked holes touch while the manager says so.
+class EfficientView : public holes_model::EfficientView {
 public:
-    // The holes in list order.
-    std::vector<tagFILEHOLE> Holes() const
+    // The same list, counters, memory and state as the model.
+    ::testing::AssertionResult Matches(const holes_model::EfficientModel& model) const
     {
-        std::vector<tagFILEHOLE> out;
-        for (std::int32_t i = 0; i < m_lNumberOfHoles; ++i) {
-            out.push_back(m_ppBlocks[i / 200][i % 200]);
-        }
-        return out;
-    }
-    std::int32_t TableSize() const { return m_lBlockTableSize; }
-    unsigned short SortKey() const { return m_wSortKey; }
-    bool Optimized() const { return m_bOptimized; }
-    // The place in the list of a record handed out, -1 for null or a record outside the list.
-    int IndexOf(const tagFILEHOLE* record) const
-    {
-        for (std::int32_t i = 0; record != nullptr && i < m_lNumberOfHoles; ++i) {
-            if (&m_ppBlocks[i / 200][i % 200] == record) {
-                return i;
-            }
-        }
-        return -1;
-    }
-    // The same list, state and answers as the reference.
-    ::testing::AssertionResult Matches(const ReferenceList& ref) const
-    {
-        HOLES_REQUIRE(Holes() == ref.holes);
-        HOLES_REQUIRE(m_wSortKey == ref.key) << " " << m_wSortKey << " against " << ref.key;
-        HOLES_REQUIRE(m_bOptimized == ref.optimized);
+        const std::string broken = Against(model);
+        HOLES_REQUIRE(broken.empty()) << ": " << broken;
         return Check();
     }
-    std::int32_t BlocksHeld() const { return m_lBlockTableSize - m_wFreeTableEntries; }
 
-    // Every invariant that holds after a public call.
     ::testing::AssertionResult Check() const
     {
-        const std::int32_t blocks = BlocksHeld();
-        for (std::int32_t i = 0; i < m_lBlockTableSize; ++i) {
-            HOLES_REQUIRE((m_ppBlocks[i] != nullptr) == (i < blocks)) << " at entry " << i;
-        }
-        HOLES_REQUIRE(m_lFreeEntries == 200 * blocks - m_lNumberOfHoles && m_lFreeEntries < 200);
-        HOLES_REQUIRE(m_lNumberOfHoles > 0 || (m_ppBlocks == nullptr && m_lBlockTableSize == 0));
-        HOLES_REQUIRE(m_ppBlocks == nullptr || (m_lBlockTableSize % 20 == 0 && m_lBlockTableSize > blocks));
+        const std::string broken = Invariants();
+        HOLES_REQUIRE(broken.empty()) << ": " << broken;
         const std::vector<tagFILEHOLE> holes = Holes();
-        std::uint32_t sum = 0;
-        for (std::size_t i = 0; i < holes.size(); ++i) {
-            sum += static_cast<std::uint32_t>(holes[i].lSize);
-            const tagFILEHOLE& a = i > 0 ? holes[i - 1] : holes[i];
-            const tagFILEHOLE& b = holes[i];
-            HOLES_REQUIRE(m_wSortKey != YXHOLESORT_OFFSET || a.dwOffset <= b.dwOffset) << " " << a << b;
-            HOLES_REQUIRE(m_wSortKey != YXHOLESORT_SIZE || a.lSize <= b.lSize) << " " << a << b;
-            HOLES_REQUIRE(m_wSortKey != YXHOLESORT_SIZE_DESC || a.lSize >= b.lSize) << " " << a << b;
+        for (std::size_t i = 1; i < holes.size(); ++i) {
+            HOLES_REQUIRE(m_wSortKey != YXHOLESORT_OFFSET || holes[i - 1].dwOffset <= holes[i].dwOffset)
+                << " " << holes[i - 1] << holes[i];
         }
-        HOLES_REQUIRE(sum == m_dwHolesSize);
         const std::vector<tagFILEHOLE> sorted = m_bOptimized ? SortedByOffset(holes) : std::vector<tagFILEHOLE>();
         for (std::size_t i = 1; i < sorted.size(); ++i) {
             const tagFILEHOLE& a = sorted[i - 1];
@@ -136,11 +101,11 @@ TEST(EfficientHoleManager, MergePassesOverEveryAddingOrder)
         do {
             EfficientView m;
             AddAll(m, order);
-            ReferenceList ref;
+            holes_model::EfficientModel ref;
             for (const tagFILEHOLE& h : order) {
-                ref.Add(h.dwOffset, h.lSize);
+                ref.AddHole(h.dwOffset, h.lSize);
             }
-            EXPECT_EQ(m.GetBestHole(1000000), ref.Best(1000000));
+            EXPECT_EQ(m.GetBestHole(1000000), ref.GetBestHole(1000000));
             EXPECT_EQ(SortedByOffset(m.Holes()), c.after) << c.added.size() << " holes";
             EXPECT_TRUE(m.Matches(ref)) << c.added.size() << " holes"; // and in the same places
         } while (std::next_permutation(order.begin(), order.end(), ByOffset));
@@ -282,8 +247,8 @@ TEST(EfficientHoleManager, ListStopsAtTheTableLimit)
     EXPECT_TRUE(m.AddHole(1, 1));
 }
 
-// A host's file, allocated and freed at random through the manager and through the reference
-// list side by side: every answer, every record handed out and the whole list, in order, must be
+// A host's file, allocated and freed at random through the manager and through the model side
+// by side: every answer, every record handed out and the whole list, in order, must be
 // the same after each call. Sizes from a narrow range make many equal holes, so the sort's steps
 // and the search's probes decide which of them is met, on lists of several blocks.
 class HostModel {
@@ -302,68 +267,68 @@ public:
                 const auto block = std::next(m_used.begin(), Next(static_cast<unsigned>(m_used.size())));
                 const std::uint32_t offset = block->first | (Next(10) == 0 ? kLock : 0);
                 ASSERT_TRUE(m_manager.AddHole(offset, block->second));
-                m_ref.Add(offset, block->second);
+                m_ref.AddHole(offset, block->second);
                 m_used.erase(block);
             } else if (op < 84) {
                 Truncate();
-            } else if (op < 88 && !m_ref.holes.empty()) { // part of a hole, or all of it, taken back
+            } else if (op < 88 && !m_ref.list.empty()) { // part of a hole, or all of it, taken back
                 const tagFILEHOLE h = Any();
                 const auto size = static_cast<std::int32_t>(Next(static_cast<unsigned>(h.lSize) + 1));
                 const std::uint32_t offset = Next(2) == 0 ? h.dwOffset : h.dwOffset & ~kLock;
-                ASSERT_EQ(m_manager.IndexOf(m_manager.RemoveHole(offset, size)), m_ref.Remove(offset, size));
+                ASSERT_EQ(m_manager.IndexOf(m_manager.RemoveHole(offset, size)), m_ref.RemoveHole(offset, size));
                 m_used[h.dwOffset & ~kLock] = size == 0 ? h.lSize : size;
             } else if (op < 91) {
                 const std::uint32_t offset =
-                    m_ref.holes.empty() || Next(2) == 0 ? Next(m_fileLength + 1) : Any().dwOffset;
+                    m_ref.list.empty() || Next(2) == 0 ? Next(m_fileLength + 1) : Any().dwOffset;
                 ASSERT_EQ(m_manager.IsHole(offset), m_ref.IsHole(offset)) << offset;
             } else if (op < 93) {
                 const auto key = static_cast<unsigned short>(Next(5));
                 m_manager.SortHoles(key);
-                m_ref.Sort(key);
-            } else if (op < 96 && !m_ref.holes.empty()) {
+                m_ref.SortHoles(key);
+            } else if (op < 96 && !m_ref.list.empty()) {
                 const std::uint32_t offset = Any().dwOffset & ~kLock;
-                ASSERT_EQ(m_manager.UnlockHole(offset), m_ref.Unlock(offset));
+                ASSERT_EQ(m_manager.UnlockHole(offset), m_ref.UnlockHole(offset));
             } else if (op == 97) {
                 const auto footPrint = static_cast<std::int32_t>(Next(16));
                 m_manager.SetHoleFootPrint(footPrint);
                 m_ref.footPrint = footPrint;
             } else if (op == 98) {
-                ASSERT_EQ(m_manager.UnlockAllHoles(), m_ref.UnlockAll());
+                ASSERT_EQ(m_manager.UnlockAllHoles(), m_ref.UnlockAllHoles());
             } else if (op == 99 && Next(20) == 0) {
                 m_manager.ClearHoleList(); // the host forgets its holes; the file keeps its length
-                m_ref.Clear();
+                m_ref.ClearHoleList();
             }
             ASSERT_TRUE(m_manager.Matches(m_ref)) << "step " << step;
-            most = std::max(most, m_ref.holes.size());
+            most = std::max(most, m_ref.list.size());
         }
     }
 
 private:
     unsigned Next(unsigned n) { return static_cast<unsigned>(m_rng() % n); }
-    const tagFILEHOLE& Any() { return m_ref.holes[Next(static_cast<unsigned>(m_ref.holes.size()))]; }
+    const tagFILEHOLE& Any() { return m_ref.list[Next(static_cast<unsigned>(m_ref.list.size()))]; }
 
     void Allocate()
     {
         const auto size = static_cast<std::int32_t>(1 + Next(Next(4) == 0 ? 400 : m_sizes));
         const unsigned long answer = m_manager.GetBestHole(size);
-        ASSERT_EQ(answer, m_ref.Best(size)) << "request " << size;
+        ASSERT_EQ(answer, m_ref.GetBestHole(size)) << "request " << size;
         if (answer == kNone) {
             m_used[m_fileLength] = size;
             m_fileLength += static_cast<std::uint32_t>(size);
             return;
         }
         const auto offset = static_cast<std::uint32_t>(answer);
-        ASSERT_EQ(m_manager.IndexOf(m_manager.RemoveHole(offset, size)), m_ref.Remove(offset, size));
+        ASSERT_EQ(m_manager.IndexOf(m_manager.RemoveHole(offset, size)), m_ref.RemoveHole(offset, size));
         m_used[offset & ~kLock] = size;
     }
 
     void Truncate()
     {
         const unsigned long answer = m_manager.GetTruncateOffset(m_fileLength);
-        ASSERT_EQ(answer, m_ref.Truncate(m_fileLength));
+        ASSERT_EQ(answer, m_ref.GetTruncateOffset(m_fileLength));
         if (answer != kNone) {
             ASSERT_EQ(m_manager.RemoveHole(answer, 0), nullptr);
-            ASSERT_EQ(m_ref.Remove(static_cast<std::uint32_t>(answer), 0), -1);
+            ASSERT_EQ(m_ref.RemoveHole(static_cast<std::uint32_t>(answer), 0), -1);
             m_fileLength = static_cast<std::uint32_t>(answer);
         }
     }
@@ -371,12 +336,12 @@ private:
     std::mt19937 m_rng;
     unsigned m_sizes;
     EfficientView m_manager;
-    ReferenceList m_ref;
+    holes_model::EfficientModel m_ref;
     std::map<std::uint32_t, std::int32_t> m_used; // allocated blocks by offset
     std::uint32_t m_fileLength = 0;
 };
 
-TEST(EfficientHoleManager, RandomHostAgainstTheReferenceList)
+TEST(EfficientHoleManager, RandomHostAgainstTheModel)
 {
     const struct {
         std::uint32_t seed;
@@ -397,17 +362,17 @@ TEST(EfficientHoleManager, AmongEqualHolesAcrossBlocks)
     for (const std::uint32_t count : {201u, 399u, 400u, 401u, 1000u}) {
         for (const std::uint32_t kinds : {1u, 3u}) {
             EfficientView m;
-            ReferenceList ref;
+            holes_model::EfficientModel ref;
             for (std::uint32_t i = 0; i < count; ++i) {
                 const std::uint32_t offset = (i * 7919U) % count * 10U; // apart, out of order
                 const auto size = static_cast<std::int32_t>(1 + i % kinds);
                 ASSERT_TRUE(m.AddHole(offset, size));
-                ref.Add(offset, size);
+                ref.AddHole(offset, size);
             }
             for (const std::int32_t size : {1, 2, 3, 1}) {
-                ASSERT_EQ(m.GetBestHole(size), ref.Best(size)) << count << " holes, size " << size;
-                const auto offset = static_cast<std::uint32_t>(ref.Best(size));
-                ASSERT_EQ(m.IndexOf(m.RemoveHole(offset, 1)), ref.Remove(offset, 1));
+                ASSERT_EQ(m.GetBestHole(size), ref.GetBestHole(size)) << count << " holes, size " << size;
+                const auto offset = static_cast<std::uint32_t>(ref.GetBestHole(size));
+                ASSERT_EQ(m.IndexOf(m.RemoveHole(offset, 1)), ref.RemoveHole(offset, 1));
                 ASSERT_TRUE(m.Matches(ref)) << count << " holes, size " << size;
             }
         }

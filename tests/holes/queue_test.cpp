@@ -7,37 +7,24 @@
 #include <utility>
 #include <vector>
 
+#include "holes_model.h"
 #include "holes_test_util.h"
-#include "reference_heap.h"
 
 namespace {
 
 // A view into the heap, for checking handles and order after each call.
-class QueueView : public YXPriorityQueue {
+class QueueView : public holes_model::QueueView {
 public:
-    using YXPriorityQueue::YXPriorityQueue;
+    using holes_model::QueueView::QueueView;
     std::int32_t Size() const { return m_lSize; }
     const tagPQCELL& Cell(std::int32_t i) const { return m_pCells[i]; }
 
-    // The same cells in the same places as the reference, and every handle at its place.
-    ::testing::AssertionResult Matches(const ReferenceHeap& ref) const
+    // The same cells in the same places as the model, every handle variable as the model has it,
+    // and the heap's invariants.
+    ::testing::AssertionResult Matches(const holes_model::QueueModel& model, const std::vector<long*>& handles) const
     {
-        HOLES_REQUIRE(static_cast<std::size_t>(m_lSize) == ref.Size());
-        for (std::int32_t i = 1; i <= m_lSize; ++i) {
-            HOLES_REQUIRE(m_pCells[i] == ref.cells[static_cast<std::size_t>(i)])
-                << " at cell " << i << ": " << m_pCells[i] << " against " << ref.cells[static_cast<std::size_t>(i)];
-        }
-        return Check();
-    }
-
-    // Heap order, handles equal to indices, and the last-cell pointer.
-    ::testing::AssertionResult Check() const
-    {
-        HOLES_REQUIRE(m_lSize == 0 || m_pLast == m_pCells + m_lSize);
-        for (std::int32_t i = 1; i <= m_lSize; ++i) {
-            HOLES_REQUIRE(i == 1 || m_pCells[i].lValue >= m_pCells[i / 2].lValue) << " at cell " << i;
-            HOLES_REQUIRE(m_pCells[i].plIndex == nullptr || *m_pCells[i].plIndex == i) << " at cell " << i;
-        }
+        const std::string broken = Invariants(*this) + Against(*this, model, handles);
+        HOLES_REQUIRE(broken.empty()) << ": " << broken;
         return ::testing::AssertionSuccess();
     }
 };
@@ -98,59 +85,57 @@ TEST(PriorityQueue, SinkingWalkAmongEqualValues)
     }
 }
 
-// Long random sequences of every operation against the reference heap: the same cells in the same
-// places after each call, and every handle at its place. Some cells have no handle; values come
-// from a narrow range, so that ties are frequent, and some are the 32-bit extremes, the smallest
+// Long random sequences of every operation against the model: the same cells in the same places
+// after each call, and every handle variable as the model has it, those of cells gone included. Some cells have no
+// handle; values come from a narrow range, so that ties are frequent, and some are the 32-bit extremes, the smallest
 // being the sentinel's own.
-TEST(PriorityQueue, RandomOperationsAgainstTheReferenceHeap)
+TEST(PriorityQueue, RandomOperationsAgainstTheModel)
 {
     for (const std::uint32_t seed : {11U, 12U, 13U}) {
         std::mt19937 rng(seed);
         const auto draw = [&rng](std::size_t n) { return static_cast<std::size_t>(rng() % n); };
         QueueView q(7);
-        ReferenceHeap ref;
-        std::vector<std::unique_ptr<long>> handles; // one per cell ever added: they must stay put
-        const auto cell = [&](std::int32_t value, bool withHandle) {
-            handles.push_back(std::make_unique<long>(-1));
-            return tagPQCELL{value, withHandle ? handles.back().get() : nullptr,
-                             static_cast<std::uint32_t>(handles.size())};
-        };
+        holes_model::QueueModel model(7);
+        holes_model::Handles handles(model);
         for (int step = 0; step < 20000 && !HasFailure(); ++step) {
             const std::size_t op = draw(100);
             const std::int32_t extreme = draw(2) == 0 ? INT32_MIN : INT32_MAX;
             const auto value = draw(50) == 0 ? extreme : static_cast<std::int32_t>(draw(draw(3) == 0 ? 200 : 6)) - 3;
+            const auto data = static_cast<std::uint32_t>(step);
             long head = 0;
-            unsigned long data = 0;
-            if (op < 40 || ref.Size() == 0) {
-                const tagPQCELL c = cell(value, draw(4) != 0);
-                ASSERT_TRUE(q.AddValue(c.lValue, c.dwData, c.plIndex));
-                ref.Add(c);
+            unsigned long headData = 0;
+            std::int32_t expected = 0;
+            std::uint32_t expectedData = 0;
+            if (op < 40 || model.Size() == 0) {
+                const int h = handles.New(draw(4) != 0);
+                ASSERT_TRUE(q.AddValue(value, data, handles.Pointer(h)));
+                model.AddValue(value, data, h);
             } else if (op < 60) {
-                ASSERT_EQ(q.RemoveHead(head, data), 0);
-                const tagPQCELL expected = ref.RemoveHead();
-                ASSERT_EQ(head, expected.lValue);
-                ASSERT_EQ(data, expected.dwData);
+                ASSERT_EQ(q.RemoveHead(head, headData), 0);
+                model.RemoveHead(expected, expectedData);
+                ASSERT_EQ(head, expected);
+                ASSERT_EQ(headData, expectedData);
             } else if (op < 70) {
-                const tagPQCELL c = cell(value, true);
-                ASSERT_EQ(q.RemoveAddHead(head, data, c.lValue, c.dwData, c.plIndex), 0);
-                const tagPQCELL expected = ref.RemoveAddHead(c);
-                ASSERT_EQ(data, expected.dwData);
+                const int h = handles.New(true);
+                ASSERT_EQ(q.RemoveAddHead(head, headData, value, data, handles.Pointer(h)), 0);
+                model.RemoveAddHead(expected, expectedData, value, data, h);
+                ASSERT_EQ(headData, expectedData);
             } else if (op < 99) {
-                const auto k = static_cast<std::int32_t>(1 + draw(ref.Size()));
+                const auto k = static_cast<std::int32_t>(1 + draw(static_cast<std::size_t>(model.Size())));
                 if (op < 85) {
                     ASSERT_EQ(q.RemoveCell(k), 0);
-                    ref.RemoveCell(static_cast<std::size_t>(k));
+                    model.RemoveCell(k);
                 } else {
                     q.ChangeValue(k, value);
-                    ref.Change(static_cast<std::size_t>(k), value);
+                    model.ChangeValue(k, value);
                 }
             } else if (draw(10) == 0) {
                 q.ReInit();
-                ref = ReferenceHeap();
+                model.ReInit();
             }
             ASSERT_EQ(q.RemoveCell(q.Size() + 1), -1);
-            ASSERT_TRUE(q.Matches(ref)) << "seed " << seed << " step " << step;
-            ASSERT_EQ(q.ReadHead(head, data), ref.Size() == 0 ? 0 : -1);
+            ASSERT_TRUE(q.Matches(model, handles.All())) << "seed " << seed << " step " << step;
+            ASSERT_EQ(q.ReadHead(head, headData), model.Size() == 0 ? 0 : -1);
         }
     }
 }
@@ -185,59 +170,50 @@ TEST(SpeedHoleManager, AmongEqualHolesTheHeapDecides)
     EXPECT_EQ(m.GetBestHole(5), 30u);
 }
 
-// Random allocation and freeing against the reference heap of negated sizes: the same hole is
-// the answer, and the same cells stand in the same places of the manager's queue.
-TEST(SpeedHoleManager, RandomHostAgainstTheReferenceHeap)
+// Random allocation and freeing against the model over a heap of negated sizes: the same hole
+// is the answer, the same record comes back, and the same cells stand in the same places of the
+// manager's queue after each call.
+TEST(SpeedHoleManager, RandomHostAgainstTheModel)
 {
     for (const std::uint32_t seed : {21U, 22U}) {
         std::mt19937 rng(seed);
-        YXSpeedHoleManager m;
-        ReferenceHeap ref;
-        std::uint32_t sum = 0;
+        holes_model::SpeedView m;
+        holes_model::SpeedModel model;
         std::uint32_t fileLength = 0;
         for (int step = 0; step < 20000 && !HasFailure(); ++step) {
             const auto size = static_cast<std::int32_t>(rng() % (rng() % 2 == 0 ? 100 : 5));
             const auto op = rng() % 100;
-            const tagPQCELL head = ref.Size() == 0 ? tagPQCELL{1, nullptr, 0} : ref.cells[1];
-            const bool fits = head.lValue <= 0 && (-head.lValue == size || -head.lValue >= size + m.GetHoleFootPrint());
             if (op < 55) {
                 ASSERT_TRUE(m.AddHole(fileLength, size));
-                ref.Add({-size, nullptr, fileLength});
+                model.AddHole(fileLength, size);
                 fileLength += static_cast<std::uint32_t>(size) + 1;
-                sum += static_cast<std::uint32_t>(size);
             } else if (op == 55) {
                 m.ClearHoleList();
-                m.SetHoleFootPrint(static_cast<long>(rng() % 8));
-                ref = ReferenceHeap();
-                sum = 0;
-            } else if (!fits) {
-                ASSERT_EQ(m.GetBestHole(size), kNone) << "step " << step;
+                model.ClearHoleList();
+                model.footPrint = static_cast<std::int32_t>(rng() % 8);
+                m.SetHoleFootPrint(model.footPrint);
             } else {
-                ASSERT_EQ(m.GetBestHole(size), head.dwData) << "step " << step;
-                if (ref.Size() > 1 && ref.cells[2].dwData != head.dwData) { // any other hole is refused
-                    ASSERT_EQ(m.RemoveHole(ref.cells[2].dwData, 1), nullptr);
-                }
-                const tagFILEHOLE* rest = m.RemoveHole(head.dwData, size); // size 0 gives the head back whole
-                sum -= static_cast<std::uint32_t>(size);
-                if (-head.lValue == size) {
-                    ASSERT_EQ(rest, nullptr);
-                    ref.RemoveHead();
-                } else {
-                    ASSERT_NE(rest, nullptr);
-                    const tagFILEHOLE left{head.dwData + static_cast<std::uint32_t>(size), -head.lValue - size};
-                    ASSERT_EQ(*rest, left);
-                    ref.RemoveAddHead({-left.lSize, nullptr, left.dwOffset});
+                const unsigned long answer = m.GetBestHole(size);
+                ASSERT_EQ(answer, model.GetBestHole(size)) << "step " << step;
+                // The hole asked for, or now and then another, which is refused.
+                const auto offset =
+                    static_cast<std::uint32_t>(answer == kNone || op < 60 ? rng() % (fileLength + 1) : answer);
+                const tagFILEHOLE* rest = m.RemoveHole(offset, size); // size 0 gives the head back whole
+                ASSERT_EQ(rest != nullptr, model.RemoveHole(offset, size)) << "step " << step;
+                if (rest != nullptr) {
+                    ASSERT_EQ(*rest, holes_model::SpeedModel::Removed());
                 }
             }
-            ASSERT_EQ(m.GetNumberOfHoles(), static_cast<long>(ref.Size()));
-            ASSERT_EQ(m.GetHolesSize(), sum);
+            const std::string broken = m.Against(model);
+            ASSERT_TRUE(broken.empty()) << "step " << step << ": " << broken;
         }
-        // The whole heap, cell by cell: the holes come out in the reference's order.
-        while (ref.Size() > 0 && !HasFailure()) {
-            const tagPQCELL expected = ref.cells[1];
-            ASSERT_EQ(m.GetBestHole(-expected.lValue), expected.dwData);
-            ASSERT_EQ(m.RemoveHole(expected.dwData, -expected.lValue), nullptr);
-            ref.RemoveHead();
+        // The whole heap, cell by cell: the holes come out in the model's order.
+        std::int32_t value = 0;
+        std::uint32_t offset = 0;
+        while (model.queue.ReadHead(value, offset) && model.count > 0 && !HasFailure()) {
+            ASSERT_EQ(m.GetBestHole(-value), offset);
+            ASSERT_EQ(m.RemoveHole(offset, -value), nullptr);
+            model.RemoveHole(offset, -value);
         }
         EXPECT_EQ(m.GetBestHole(0), kNone);
     }
