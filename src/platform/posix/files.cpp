@@ -12,24 +12,11 @@
 
 #include "platform/posix/files_internal.h"
 #include "platform/posix/handle_table.h"
+#include "platform/posix/prefix.h"
 
 namespace yxposix {
 
 namespace {
-
-std::string Prefix()
-{
-    const char* prefix = std::getenv("YXTOOLS_PREFIX");
-    if (prefix != nullptr && *prefix != '\0') {
-        return prefix;
-    }
-    const char* data = std::getenv("XDG_DATA_HOME");
-    if (data != nullptr && *data != '\0') {
-        return std::string(data) + "/yxtools";
-    }
-    const char* home = std::getenv("HOME");
-    return std::string(home != nullptr ? home : "") + "/.local/share/yxtools";
-}
 
 bool IsSeparator(char c)
 {
