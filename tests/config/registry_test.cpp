@@ -281,12 +281,13 @@ TEST(YXRegistry, RootsAndSectionPaths)
         EXPECT_EQ(YXRegistry::ReadStringParam(sandbox.Section(same), "v", &value, "", kCU, nullptr), 5U) << same;
         EXPECT_EQ(value, "deep") << same;
     }
-    // A section of 255 bytes is a key name the registry takes; one of 300 is not, and neither is
-    // a value name of 16384 bytes: the write fails and the read gives the default.
-    const std::string name255(255, 'k');
-    ASSERT_TRUE(YXRegistry::WriteStringParam(sandbox.Section(name255), "v", text, kCU));
-    EXPECT_EQ(YXRegistry::ReadLongParam(sandbox.Section(name255), "v", 1, kCU, nullptr), 0);
-    for (const auto& tooLong : {std::make_pair(sandbox.Section(std::string(300, 'k')), std::string("v")),
+    // The whole subkey may have 260 characters: after the root's 28, the sandbox's tag and a
+    // separator, a section name of 200 bytes fits and one of 255 does not. A value name of 16384
+    // bytes does not fit either. The write fails and the read gives the default.
+    const std::string name200(200, 'k');
+    ASSERT_TRUE(YXRegistry::WriteStringParam(sandbox.Section(name200), "v", text, kCU));
+    EXPECT_EQ(YXRegistry::ReadLongParam(sandbox.Section(name200), "v", 1, kCU, nullptr), 0);
+    for (const auto& tooLong : {std::make_pair(sandbox.Section(std::string(255, 'k')), std::string("v")),
                                 std::make_pair(sandbox.Section("names"), std::string(16384, 'n'))}) {
         EXPECT_FALSE(YXRegistry::WriteStringParam(tooLong.first, tooLong.second, text, kCU));
         bool flag = false;

@@ -41,6 +41,7 @@ public:
     ~Sandbox()
     {
 #if defined(_WIN32)
+        RegDeleteTreeA(HKEY_CURRENT_USER, ContractKey().c_str());
         for (const std::string& key : {std::string(kRoot) + m_tag, std::string(kRoot) + "Trace"}) {
             RegDeleteTreeA(HKEY_CURRENT_USER, key.c_str());
             RegDeleteTreeA(HKEY_LOCAL_MACHINE, key.c_str());
@@ -64,6 +65,12 @@ public:
     std::string KeyOf(const std::string& name) const
     {
         return std::string(kRoot) + Section(name);
+    }
+
+    // A key of this sandbox outside the product's, for the registry calls themselves.
+    std::string ContractKey() const
+    {
+        return "Software\\YXToolsContract\\" + m_tag;
     }
 
 #if !defined(_WIN32)

@@ -31,6 +31,7 @@ constexpr int kLayoutVersion = 1;
 // How long a writer waits for another writer before it gives up with ERROR_BUSY.
 constexpr int kBusyTimeoutMs = 3000;
 constexpr std::size_t kMaxKeyName = 255;
+constexpr std::size_t kMaxSubKeyCharacters = 260;
 constexpr std::size_t kMaxValueName = 16383;
 
 struct Key {
@@ -321,6 +322,16 @@ LONG SplitSubKey(LPCSTR subKey, std::vector<std::string>* names)
 {
     if (subKey == nullptr) {
         return ERROR_SUCCESS;
+    }
+    // The ANSI calls convert the subkey into a buffer of 260 characters (and a zero).
+    std::size_t characters = 0;
+    for (const char* p = subKey; *p != '\0'; ++p, ++characters) {
+        if (IsDBCSLeadByte(static_cast<BYTE>(*p)) != FALSE && p[1] != '\0') {
+            ++p;
+        }
+    }
+    if (characters > kMaxSubKeyCharacters) {
+        return ERROR_MORE_DATA;
     }
     if (subKey[0] == '\\') {
         return ERROR_BAD_PATHNAME;
@@ -688,7 +699,7 @@ LSTATUS RegEnumValueA(HKEY hKey, DWORD dwIndex, LPSTR lpValueName, LPDWORD lpcch
         return ERROR_INVALID_PARAMETER;
     }
     return OnKey(hKey, KEY_QUERY_VALUE, false, [&](sqlite3* db, sqlite3_int64 id) -> LONG {
-        Statement query(db, "SELECT name, type, data FROM vals WHERE key = ?1 ORDER BY id LIMIT 1 OFFSET ?2");
+        Statement query(db, "SELECT name, type, data FROM vals WHERE key = ?1 ORDER BY name LIMIT 1 OFFSET ?2");
         const int rc = query.Bind(1, id).Bind(2, static_cast<sqlite3_int64>(dwIndex)).Step();
         if (rc != SQLITE_ROW) {
             return rc == SQLITE_DONE ? ERROR_NO_MORE_ITEMS : ErrorOf(rc, false);

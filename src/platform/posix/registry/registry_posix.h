@@ -60,7 +60,9 @@ constexpr DWORD ERROR_KEY_DELETED = 1018;
 
 // Opens an existing key below hKey; ERROR_FILE_NOT_FOUND when it is missing. The subkey's names
 // are separated by `\`, and empty names (a `\` at the end, or two in a row) are skipped; a `\` at
-// the front is ERROR_BAD_PATHNAME and a name of more than 255 bytes ERROR_INVALID_PARAMETER. A null
+// the front is ERROR_BAD_PATHNAME and a name of more than 255 bytes ERROR_INVALID_PARAMETER; a
+// subkey of more than 260 characters is ERROR_MORE_DATA, as the ANSI calls convert it into a buffer
+// of that size. A null
 // or empty subkey opens hKey anew, and gives a predefined key back as it is.
 YX_PLATFORM LSTATUS RegOpenKeyExA(HKEY hKey, LPCSTR lpSubKey, DWORD ulOptions, REGSAM samDesired, PHKEY phkResult);
 // Opens the key, creating it and every key above it that is missing; the subkey as for
@@ -82,7 +84,7 @@ YX_PLATFORM LSTATUS RegSetValueExA(HKEY hKey, LPCSTR lpValueName, DWORD Reserved
 YX_PLATFORM LSTATUS RegCloseKey(HKEY hKey);
 
 // Beyond what the library calls: what the yxtools command needs to list, delete and export.
-// Subkeys come in the order of their names, values in the order they were first stored.
+// Subkeys and values come in the order of their names, compared without regard to case.
 YX_PLATFORM LSTATUS RegDeleteValueA(HKEY hKey, LPCSTR lpValueName);
 // Deletes a key that has no subkeys, with its values (ERROR_ACCESS_DENIED when it has subkeys).
 YX_PLATFORM LSTATUS RegDeleteKeyA(HKEY hKey, LPCSTR lpSubKey);
