@@ -48,9 +48,14 @@ inline void UnsetEnv(const char* name)
 #endif
 }
 
-// Runs the program with the arguments and this process's environment, and gives its exit code
-// (-1 when it did not end normally).
-inline int Run(const std::string& program, const std::vector<std::string>& args)
+#if defined(_WIN32)
+using Process = intptr_t;
+#else
+using Process = pid_t;
+#endif
+
+// Starts the program without waiting for it; -1 when it could not start.
+inline Process Start(const std::string& program, const std::vector<std::string>& args)
 {
 #if defined(_WIN32)
     std::vector<std::string> quoted;
@@ -63,7 +68,7 @@ inline int Run(const std::string& program, const std::vector<std::string>& args)
         argv.push_back(arg.c_str());
     }
     argv.push_back(nullptr);
-    return static_cast<int>(_spawnv(_P_WAIT, program.c_str(), argv.data()));
+    return _spawnv(_P_NOWAIT, program.c_str(), argv.data());
 #else
     const pid_t pid = fork();
     if (pid == 0) {
@@ -76,12 +81,29 @@ inline int Run(const std::string& program, const std::vector<std::string>& args)
         execv(program.c_str(), argv.data());
         _exit(127);
     }
+    return pid;
+#endif
+}
+
+// Waits for a started program and gives its exit code (-1 when it did not end normally).
+inline int Wait(Process process)
+{
+#if defined(_WIN32)
+    int status = -1;
+    return _cwait(&status, process, 0) == -1 ? -1 : status;
+#else
     int status = 0;
-    if (pid < 0 || waitpid(pid, &status, 0) != pid) {
+    if (process < 0 || waitpid(process, &status, 0) != process) {
         return -1;
     }
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 #endif
+}
+
+// Runs the program with the arguments and this process's environment, and gives its exit code.
+inline int Run(const std::string& program, const std::vector<std::string>& args)
+{
+    return Wait(Start(program, args));
 }
 
 } // namespace child

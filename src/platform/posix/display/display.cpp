@@ -56,22 +56,25 @@ void Publish(const Screen& screen)
     if (file == nullptr) {
         return;
     }
+    // One line per run of cells that follow each other at the cell width.
     for (const auto& row : screen.rows) {
-        if (row.second.empty()) {
-            continue;
-        }
-        const int first = row.second.begin()->first;
         std::string text;
-        int next = first;
+        int start = 0;
+        int next = 0;
         for (const auto& cell : row.second) {
-            while (next < cell.first) {
-                text.push_back(' ');
-                next += yxposix::kScreenCellWidth;
+            if (!text.empty() && cell.first != next) {
+                std::fprintf(file, "%d %d: %s\n", row.first, start, text.c_str());
+                text.clear();
+            }
+            if (text.empty()) {
+                start = cell.first;
             }
             text.push_back(cell.second);
             next = cell.first + yxposix::kScreenCellWidth;
         }
-        std::fprintf(file, "%d %d: %s\n", row.first, first, text.c_str());
+        if (!text.empty()) {
+            std::fprintf(file, "%d %d: %s\n", row.first, start, text.c_str());
+        }
     }
     std::fclose(file);
 }

@@ -5,7 +5,8 @@
 // cell at x + 8 * i on row y, replacing a cell it overlaps, and FillRect clears the cells whose
 // origin lies inside the rectangle. Nothing is drawn anywhere: tests read the screen through
 // yxposix::ScreenRow, and when YXTOOLS_SCREEN names a file, each DeleteDC writes the screen's
-// rows there (one line per row, "y x: text"), for a person or another process to look at.
+// cells there, one line "y x: text" for each run of cells that follow each other at the cell
+// width, for a person or another process to look at.
 #ifndef YXTOOLS_PLATFORM_POSIX_DISPLAY_POSIX_H
 #define YXTOOLS_PLATFORM_POSIX_DISPLAY_POSIX_H
 
