@@ -16,10 +16,13 @@
 
 #include "cli.h"
 #include "edge.h"
-#include "platform/win32.h"
 
-#if !defined(_WIN32)
+#if defined(_WIN32)
+#include <windows.h>
+#else
 #include <unicode/ucnv.h>
+
+#include "platform/win32.h"
 
 #endif
 
