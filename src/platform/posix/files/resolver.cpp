@@ -16,26 +16,13 @@
 #include <vector>
 
 #include "platform/posix/codepage.h"
+#include "platform/posix/prefix.h"
 
 namespace yx::platform::files {
 
 namespace {
 
 using Names = std::vector<std::string>;
-
-std::string Prefix()
-{
-    const char* prefix = std::getenv("YXTOOLS_PREFIX");
-    if (prefix != nullptr && *prefix != '\0') {
-        return prefix;
-    }
-    const char* data = std::getenv("XDG_DATA_HOME");
-    if (data != nullptr && *data != '\0') {
-        return std::string(data) + "/yxtools";
-    }
-    const char* home = std::getenv("HOME");
-    return std::string(home != nullptr ? home : "") + "/.local/share/yxtools";
-}
 
 bool IsSeparator(char c)
 {
@@ -336,7 +323,7 @@ Start StartOf(const char* path, const LeadByteTable& lead)
         }
         std::string server;
         std::string share;
-        const std::string shares = Prefix() + "/dosdevices/unc";
+        const std::string shares = yxposix::Prefix() + "/dosdevices/unc";
         if (!FindEntry(shares, parts.names[0], server) || !FindEntry(Join(shares, server), parts.names[1], share)) {
             server = parts.names[0];
             share = parts.names[1];
@@ -365,12 +352,12 @@ Start StartOf(const char* path, const LeadByteTable& lead)
 
 std::string DriveFolder(char letter)
 {
-    return Prefix() + "/dosdevices/" + static_cast<char>(std::tolower(static_cast<unsigned char>(letter))) + ':';
+    return yxposix::Prefix() + "/dosdevices/" + static_cast<char>(std::tolower(static_cast<unsigned char>(letter))) + ':';
 }
 
 std::string UncFolder(const std::string& server, const std::string& share)
 {
-    return Prefix() + "/dosdevices/unc/" + server + "/" + share;
+    return yxposix::Prefix() + "/dosdevices/unc/" + server + "/" + share;
 }
 
 bool SameName(const std::string& a, const std::string& b)
