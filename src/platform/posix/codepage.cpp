@@ -11,14 +11,13 @@
 
 namespace {
 
-// Built on first use: the library's load sequence asks for lead bytes while static objects of
-// other files may not be constructed yet.
+// The tables of the code pages asked for so far. Made at their first use: the trace manager's
+// constructor reaches them through the registry before the library's other statics are made.
 struct Tables {
     std::mutex lock;
     std::map<UINT, yx::platform::LeadByteTable> byCodePage;
 };
-
-Tables& LeadByteTables()
+Tables& TheTables()
 {
     static Tables tables;
     return tables;
@@ -30,7 +29,7 @@ namespace yx::platform {
 
 const LeadByteTable& LeadBytes(UINT codePage)
 {
-    Tables& tables = LeadByteTables();
+    Tables& tables = TheTables();
     const std::lock_guard<std::mutex> guard(tables.lock);
     auto found = tables.byCodePage.find(codePage);
     if (found != tables.byCodePage.end()) {
