@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "diagnostics/errorslog_internal.h"
+#include "intl/intl_internal.h"
 #include "names/nameprovider_internal.h"
 #include "platform/win32.h"
 #include "yxtools/frame.h"
@@ -16,7 +17,8 @@ namespace yx::frame {
 // settings of step 1 stay. A host that initialises twice gets new, empty objects either way.
 void RunInitialisationSequence()
 {
-    // 1. regional settings, 2. multibyte tables: they join here when their subsystems land.
+    YXIntl_Create();
+    // 2. multibyte tables: joins here with its subsystem.
     YXNameProvider_InitRegistries(true);
     YXErrorsLog_CreateDefault();
 }
@@ -26,7 +28,7 @@ void RunClosingSequence()
 {
     YXErrorsLog_DestroyDefault();
     YXNameProvider_InitRegistries(false);
-    // 3. regional settings: joins here with its subsystem.
+    YXIntl_Destroy();
 }
 
 bool IsWin9XRecord(const OSVERSIONINFOA& info)

@@ -34,17 +34,6 @@ const LanguageCodePage kLanguages[] = {
     {"km", kUtf8}, {"lo", kUtf8}, {"am", kUtf8}, {"bo", kUtf8}, {"dv", kUtf8}, {"iu", kUtf8}, {"sa", kUtf8},
 };
 
-const char* LocaleName()
-{
-    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-        const char* value = std::getenv(variable);
-        if (value != nullptr && *value != '\0') {
-            return value;
-        }
-    }
-    return "C";
-}
-
 std::string Lower(std::string text)
 {
     for (char& c : text) {
@@ -59,6 +48,17 @@ std::map<UINT, yx::platform::LeadByteTable> g_tables;
 } // namespace
 
 namespace yx::platform {
+
+const char* LocaleVariable(const char* category)
+{
+    for (const char* variable : {"LC_ALL", category, "LANG"}) {
+        const char* value = variable != nullptr ? std::getenv(variable) : nullptr;
+        if (value != nullptr && *value != '\0') {
+            return value;
+        }
+    }
+    return "C";
+}
 
 UINT CodePageOfLocale(const char* name)
 {
@@ -121,7 +121,7 @@ const LeadByteTable& LeadBytes(UINT codePage)
 
 UINT GetACP()
 {
-    return yx::platform::CodePageOfLocale(LocaleName());
+    return yx::platform::CodePageOfLocale(yx::platform::LocaleVariable("LC_CTYPE"));
 }
 
 BOOL IsDBCSLeadByte(BYTE TestChar)

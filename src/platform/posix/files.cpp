@@ -15,8 +15,6 @@
 
 namespace yxposix {
 
-namespace {
-
 std::string Prefix()
 {
     const char* prefix = std::getenv("YXTOOLS_PREFIX");
@@ -30,6 +28,8 @@ std::string Prefix()
     const char* home = std::getenv("HOME");
     return std::string(home != nullptr ? home : "") + "/.local/share/yxtools";
 }
+
+namespace {
 
 bool IsSeparator(char c)
 {

@@ -10,6 +10,10 @@
 
 namespace yxposix {
 
+// The prefix, which plays the part of Wine's: $YXTOOLS_PREFIX, else $XDG_DATA_HOME/yxtools, else
+// ~/.local/share/yxtools.
+std::string Prefix();
+
 // The POSIX path of a path in Windows or POSIX form (see files_posix.h); empty for an empty path.
 std::string PosixPath(const char* path);
 
