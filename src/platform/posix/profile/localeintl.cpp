@@ -2,6 +2,7 @@
 #include "platform/posix/profile/localeintl.h"
 
 #include <cctype>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -357,11 +358,19 @@ Table MakeTable(const std::string& icuName)
 {
     Table table;
     const char* locale = icuName.c_str();
-    // A language ICU does not know falls back to its root data: then nothing is answered.
+    // A language that ICU has no data for falls back to another locale's: then nothing is answered.
     UErrorCode status = U_ZERO_ERROR;
     UNumberFormat* probe = unum_open(UNUM_DECIMAL, nullptr, 0, locale, nullptr, &status);
+    const char* actual = U_SUCCESS(status) ? unum_getLocaleByType(probe, ULOC_ACTUAL_LOCALE, &status) : nullptr;
+    char wanted[ULOC_LANG_CAPACITY] = {};
+    char found[ULOC_LANG_CAPACITY] = {};
+    UErrorCode languageStatus = U_ZERO_ERROR;
+    uloc_getLanguage(locale, wanted, sizeof(wanted), &languageStatus);
+    if (actual != nullptr) {
+        uloc_getLanguage(actual, found, sizeof(found), &languageStatus);
+    }
     unum_close(probe);
-    if (U_FAILURE(status) || status == U_USING_DEFAULT_WARNING) {
+    if (U_FAILURE(status) || U_FAILURE(languageStatus) || wanted[0] == '\0' || std::strcmp(wanted, found) != 0) {
         return table;
     }
     table["slanguage"] = WindowsLanguage(icuName);
