@@ -89,6 +89,7 @@ TEST_P(Numeric, TextToLong)
         {"--5", 0, 0, true, 0},          {"0x10", 0, 0, false, 1},      {"2147483647", 0, 2147483647, true, 0},
         // 32-bit arithmetic: atoi stops at the ends of the range, multiplications wrap.
         {"99999999999", 0, 2147483647, true, 0}, {"-99999999999", 0, -2147483647 - 1, true, 0},
+        {"2147483648", 0, 2147483647, true, 0},  {"-2147483649", 0, -2147483647 - 1, true, 0},
         {"429496730D0", -1, 4, true, 0}, {"1D5", -40, 0, true, 0},      {"7", 12, 0, true, 0},
     };
     for (const Case& c : cases) {
@@ -219,6 +220,13 @@ TEST(NumericText, RemoveTrailingZeros)
         YXIntl::RemoveTrailingZeros(text, '.');
         EXPECT_EQ(text, after) << before;
     }
+    // The first byte stays through the zeros, even when the separator is itself a zero.
+    _SS<char> zeros("000");
+    YXIntl::RemoveTrailingZeros(zeros, '0');
+    EXPECT_EQ(zeros, "");
+    _SS<char> hundred("100");
+    YXIntl::RemoveTrailingZeros(hundred, '0');
+    EXPECT_EQ(hundred, "1");
 }
 
 // A no-break space (0xA0) is never a digit: it is dropped where it groups, and stops the text
