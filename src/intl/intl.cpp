@@ -1,7 +1,6 @@
 // YXIntl: the regional settings, their reading from the profile service and the plain getters.
 #include "yxtools/intl.h"
 
-#include <cstring>
 #include <memory>
 #include <new>
 
@@ -235,13 +234,7 @@ bool YXIntl::MakeSingleByteString(const _SS<char>& source, _SS<char>& result) co
     // written only once the mapping is done.
     const int size = static_cast<int>(source.size()) + 1;
     std::unique_ptr<char[]> buffer(new char[static_cast<std::size_t>(size)]);
-#if defined(_WIN32)
     const int count = LCMapStringA(GetUserDefaultLCID(), LCMAP_HALFWIDTH, source.c_str(), -1, buffer.get(), size);
-#else
-    // Until the stand-in brings its LCMapStringA, the text passes unchanged.
-    std::memcpy(buffer.get(), source.c_str(), static_cast<std::size_t>(size));
-    const int count = size;
-#endif
     if (count <= 0) {
         return false;
     }

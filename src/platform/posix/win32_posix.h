@@ -108,6 +108,62 @@ YX_PLATFORM void GetLocalTime(LPSYSTEMTIME lpSystemTime);
 YX_PLATFORM UINT GetACP();
 YX_PLATFORM BOOL IsDBCSLeadByte(BYTE TestChar);
 
+// National language support, on ICU. The user's locale follows the same locale variables as the
+// ANSI code page (ja_JP gives 0x0411, en_US 0x0409; C and POSIX give 0x0409, as Wine does). Text
+// crosses these calls in the ANSI code page: it is converted to UTF-16, mapped, and converted back.
+using LCID = DWORD;
+using WCHAR = char16_t;
+using LPWSTR = WCHAR*;
+using LPCWSTR = const WCHAR*;
+
+constexpr LCID LOCALE_SYSTEM_DEFAULT = 0x0800;
+constexpr LCID LOCALE_USER_DEFAULT = 0x0400;
+constexpr UINT CP_ACP = 0;
+constexpr DWORD MB_ERR_INVALID_CHARS = 0x00000008;
+constexpr DWORD ERROR_INVALID_FLAGS = 1004;
+constexpr DWORD ERROR_NO_UNICODE_TRANSLATION = 1113;
+
+constexpr DWORD NORM_IGNORECASE = 0x00000001;
+constexpr DWORD NORM_IGNORENONSPACE = 0x00000002;
+constexpr DWORD NORM_IGNORESYMBOLS = 0x00000004;
+constexpr DWORD SORT_STRINGSORT = 0x00001000;
+constexpr DWORD NORM_IGNOREKANATYPE = 0x00010000;
+constexpr DWORD NORM_IGNOREWIDTH = 0x00020000;
+constexpr DWORD LCMAP_LOWERCASE = 0x00000100;
+constexpr DWORD LCMAP_UPPERCASE = 0x00000200;
+constexpr DWORD LCMAP_HIRAGANA = 0x00100000;
+constexpr DWORD LCMAP_KATAKANA = 0x00200000;
+constexpr DWORD LCMAP_HALFWIDTH = 0x00400000;
+constexpr DWORD LCMAP_FULLWIDTH = 0x00800000;
+constexpr int CSTR_LESS_THAN = 1;
+constexpr int CSTR_EQUAL = 2;
+constexpr int CSTR_GREATER_THAN = 3;
+
+YX_PLATFORM LCID GetUserDefaultLCID();
+// Text of the ANSI code page (CP_ACP, or the code page's own number) to UTF-16. A length of -1
+// takes the terminator along; a size of 0 asks for the count. MB_ERR_INVALID_CHARS refuses a byte
+// sequence that the code page does not define, with ERROR_NO_UNICODE_TRANSLATION.
+YX_PLATFORM int MultiByteToWideChar(UINT CodePage, DWORD dwFlags, LPCSTR lpMultiByteStr, int cbMultiByte,
+                                    LPWSTR lpWideCharStr, int cchWideChar);
+// The mappings of the LCMAP_ flags (width, kana, case; one of each pair at most) or the removals
+// of NORM_IGNORENONSPACE and NORM_IGNORESYMBOLS (which mix with no LCMAP_ flag); anything else is
+// ERROR_INVALID_FLAGS. The count is in bytes of the ANSI code page, the terminator included when
+// the source length was -1; a destination size of 0 asks for the count, a smaller destination fails
+// with ERROR_INSUFFICIENT_BUFFER. Source and destination may be the same buffer.
+YX_PLATFORM int LCMapStringA(LCID Locale, DWORD dwMapFlags, LPCSTR lpSrcStr, int cchSrc, LPSTR lpDestStr, int cchDest);
+// ICU's collation of the user's locale: NORM_IGNORECASE compares at the secondary strength (or the
+// primary one with NORM_IGNORENONSPACE), NORM_IGNORENONSPACE ignores accents but keeps case,
+// NORM_IGNORESYMBOLS skips punctuation and symbols, and without SORT_STRINGSORT the hyphen and the
+// apostrophe weigh nothing (word sort). Lengths of -1 mean zero-terminated.
+YX_PLATFORM int CompareStringA(LCID Locale, DWORD dwCmpFlags, LPCSTR lpString1, int cchCount1, LPCSTR lpString2,
+                               int cchCount2);
+// Case mapping in place through UTF-16. A pointer whose high bits are all zero is a single
+// character in its low byte: the mapped character comes back the same way.
+YX_PLATFORM LPSTR CharUpperA(LPSTR lpsz);
+YX_PLATFORM LPSTR CharLowerA(LPSTR lpsz);
+YX_PLATFORM DWORD CharUpperBuffA(LPSTR lpsz, DWORD cchLength);
+YX_PLATFORM DWORD CharLowerBuffA(LPSTR lpsz, DWORD cchLength);
+
 // Path components of the runtime library, with its buffer sizes.
 #define _MAX_PATH 260
 #define _MAX_DRIVE 3
