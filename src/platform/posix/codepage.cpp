@@ -42,8 +42,13 @@ std::string Lower(std::string text)
     return text;
 }
 
+// Made on first use: the load hook reads code pages before this unit's own statics would be made.
 std::mutex g_tablesLock;
-std::map<UINT, yx::platform::LeadByteTable> g_tables;
+std::map<UINT, yx::platform::LeadByteTable>& Tables()
+{
+    static std::map<UINT, yx::platform::LeadByteTable> tables;
+    return tables;
+}
 
 } // namespace
 
@@ -94,11 +99,12 @@ UINT CodePageOfLocale(const char* name)
 const LeadByteTable& LeadBytes(UINT codePage)
 {
     const std::lock_guard<std::mutex> guard(g_tablesLock);
-    auto found = g_tables.find(codePage);
-    if (found != g_tables.end()) {
+    std::map<UINT, LeadByteTable>& tables = Tables();
+    auto found = tables.find(codePage);
+    if (found != tables.end()) {
         return found->second;
     }
-    LeadByteTable& table = g_tables[codePage];
+    LeadByteTable& table = tables[codePage];
     table.fill(false);
     // Single-byte and UTF-8 converters have no starters to tell: they keep the empty table.
     const std::string name = "windows-" + std::to_string(codePage);
