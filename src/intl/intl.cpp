@@ -39,8 +39,8 @@ YXIntl* YXIntl_Get()
 }
 
 YXIntl::YXIntl()
-    : m_bInitialized(false), m_iCountry(0), m_iDate(0), m_iTime(0), m_iTLZero(0), m_iCurrency(0),
-      m_iCurrDigits(0), m_iNegCurr(0), m_iLzero(0), m_iDigits(0), m_iMeasure(0)
+    : m_bInitialized(false), m_iCountry(0), m_iDate(0), m_iTime(0), m_iTLZero(0), m_iCurrency(0), m_iCurrDigits(0),
+      m_iNegCurr(0), m_iLzero(0), m_iDigits(0), m_iMeasure(0)
 {
     InitInternationalValues();
 }

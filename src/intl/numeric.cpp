@@ -75,8 +75,7 @@ bool YXIntl::IsRealDigit(char c) const
     if (static_cast<unsigned char>(c) == 0xA0) {
         return false;
     }
-    return std::isdigit(static_cast<unsigned char>(c)) != 0 || c == '+' || c == '-' || c == 'e' || c == 'E' ||
-           c == '.';
+    return std::isdigit(static_cast<unsigned char>(c)) != 0 || c == '+' || c == '-' || c == 'e' || c == 'E' || c == '.';
 }
 
 bool YXIntl::CanSkipDigit(char c) const
@@ -267,7 +266,8 @@ void YXIntl::NumericToText(long value, double factor, _SS<char>& text, short pre
     const long whole = Truncate<long>(scaled);
     _SS<char> t;
     if (factor < 1.0) {
-        const long fraction = Truncate<long>(std::fabs(static_cast<double>(value) - static_cast<double>(whole) / factor));
+        const long fraction =
+            Truncate<long>(std::fabs(static_cast<double>(value) - static_cast<double>(whole) / factor));
         // The fraction is padded to the factor's own decimals, so that 1005 units of 0.001 read
         // 1.005 and not 1.5; and a negative value keeps its sign when its whole part is 0 (-5
         // units read -0.005). A factor that is not a power of ten takes the decimals of the

@@ -40,7 +40,10 @@ TEST(Intl932, FullWidthDigitsAndSeparators)
     EXPECT_FALSE(ok);
     EXPECT_EQ(offset, 2u);
     // A lead byte among plain digits stops the text where it stands.
-    EXPECT_EQ(intl.TextToNumeric("12\x88\x9F" "3", &ok, &offset), 0.0);
+    EXPECT_EQ(intl.TextToNumeric("12\x88\x9F"
+                                 "3",
+                                 &ok, &offset),
+              0.0);
     EXPECT_FALSE(ok);
     EXPECT_EQ(offset, 2u);
 }

@@ -56,10 +56,12 @@ TEST_P(Numeric, TextToNumeric)
         unsigned long offset;
     };
     const Case cases[] = {
-        {"1G234D5", 1234.5, true, 0},  {" 12 ", 12.0, true, 0},   {"1e3", 1000.0, true, 0},
-        {"1G234G567D5", 1234567.5, true, 0}, {"12a", 0.0, false, 2}, {"", 0.0, false, 0},
-        {"GGG", 0.0, true, 0},        {"-", 0.0, true, 0},        {"--5", 0.0, true, 0},
-        {"x", 0.0, false, 0},         {"1 2\t3", 123.0, true, 0}, {"D5", 0.5, true, 0},
+        {"1G234D5", 1234.5, true, 0}, {" 12 ", 12.0, true, 0},
+        {"1e3", 1000.0, true, 0},     {"1G234G567D5", 1234567.5, true, 0},
+        {"12a", 0.0, false, 2},       {"", 0.0, false, 0},
+        {"GGG", 0.0, true, 0},        {"-", 0.0, true, 0},
+        {"--5", 0.0, true, 0},        {"x", 0.0, false, 0},
+        {"1 2\t3", 123.0, true, 0},   {"D5", 0.5, true, 0},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(L(c.text));
@@ -82,15 +84,28 @@ TEST_P(Numeric, TextToLong)
         unsigned long offset;
     };
     const Case cases[] = {
-        {"12D5", 0, 12, true, 0},        {"12D5", -1, 125, true, 0},    {"12D5", -3, 12500, true, 0},
-        {"12D5", 1, 1, true, 0},         {"-12D5", -1, -125, true, 0},  {"12", -2, 1200, true, 0},
-        {"1234", 2, 12, true, 0},        {"12D567", -1, 125, true, 0},
-        {"12a", 0, 0, false, 2},         {"abc", 0, 0, false, 0},       {"", -2, 0, false, 0},
-        {"--5", 0, 0, true, 0},          {"0x10", 0, 0, false, 1},      {"2147483647", 0, 2147483647, true, 0},
+        {"12D5", 0, 12, true, 0},
+        {"12D5", -1, 125, true, 0},
+        {"12D5", -3, 12500, true, 0},
+        {"12D5", 1, 1, true, 0},
+        {"-12D5", -1, -125, true, 0},
+        {"12", -2, 1200, true, 0},
+        {"1234", 2, 12, true, 0},
+        {"12D567", -1, 125, true, 0},
+        {"12a", 0, 0, false, 2},
+        {"abc", 0, 0, false, 0},
+        {"", -2, 0, false, 0},
+        {"--5", 0, 0, true, 0},
+        {"0x10", 0, 0, false, 1},
+        {"2147483647", 0, 2147483647, true, 0},
         // 32-bit arithmetic: atoi stops at the ends of the range, multiplications wrap.
-        {"99999999999", 0, 2147483647, true, 0}, {"-99999999999", 0, -2147483647 - 1, true, 0},
-        {"2147483648", 0, 2147483647, true, 0},  {"-2147483649", 0, -2147483647 - 1, true, 0},
-        {"429496730D0", -1, 4, true, 0}, {"1D5", -40, 0, true, 0},      {"7", 12, 0, true, 0},
+        {"99999999999", 0, 2147483647, true, 0},
+        {"-99999999999", 0, -2147483647 - 1, true, 0},
+        {"2147483648", 0, 2147483647, true, 0},
+        {"-2147483649", 0, -2147483647 - 1, true, 0},
+        {"429496730D0", -1, 4, true, 0},
+        {"1D5", -40, 0, true, 0},
+        {"7", 12, 0, true, 0},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(L(c.text) + " scale " + std::to_string(c.scale));
@@ -113,14 +128,22 @@ TEST_P(Numeric, NumericToText)
         const char* text;
     };
     const Case cases[] = {
-        {1234567.891, 2, 1, "1G234G567D89"}, {1234567.891, -1000, 1, "1G234G567D89"},
-        {1234.5, 3, 1, "1G234D5"},           {1234.5, -3, 1, "1G234D500"},
-        {-1234.5, -2, 1, "-1G234D50"},       {0.5, 2, 1, "0D5"},
-        {0.5, 2, 0, "D5"},                   {0.0, 2, 1, "0"},
-        {0.0, 2, 0, ""},                     {1234.0, 0, 1, "1G234"},
-        {1e99, 2, 1, ""},                    {-1e99, 2, 1, ""},
-        {123.0, -1, 1, "123D0"},             {-0.25, -2, 1, "-0D25"},
-        {100.0, 2, 1, "100"},                {999999.999, -2, 1, "1G000G000D00"},
+        {1234567.891, 2, 1, "1G234G567D89"},
+        {1234567.891, -1000, 1, "1G234G567D89"},
+        {1234.5, 3, 1, "1G234D5"},
+        {1234.5, -3, 1, "1G234D500"},
+        {-1234.5, -2, 1, "-1G234D50"},
+        {0.5, 2, 1, "0D5"},
+        {0.5, 2, 0, "D5"},
+        {0.0, 2, 1, "0"},
+        {0.0, 2, 0, ""},
+        {1234.0, 0, 1, "1G234"},
+        {1e99, 2, 1, ""},
+        {-1e99, 2, 1, ""},
+        {123.0, -1, 1, "123D0"},
+        {-0.25, -2, 1, "-0D25"},
+        {100.0, 2, 1, "100"},
+        {999999.999, -2, 1, "1G000G000D00"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::to_string(c.value) + " precision " + std::to_string(c.precision));
@@ -158,10 +181,16 @@ TEST_P(Numeric, LongWithFactor)
         const char* text;
     };
     const Case cases[] = {
-        {12345, 0.001, 2, "12D345"}, {12300, 0.001, 2, "12D3"},        {12300, 0.001, -1, "12D300"},
-        {1234567, 1.0, 0, "1G234G567"}, {1234567, 1.0, -1, "1G234G567D0"}, {-12345, 0.01, -1, "-123D45"},
+        {12345, 0.001, 2, "12D345"},
+        {12300, 0.001, 2, "12D3"},
+        {12300, 0.001, -1, "12D300"},
+        {1234567, 1.0, 0, "1G234G567"},
+        {1234567, 1.0, -1, "1G234G567D0"},
+        {-12345, 0.01, -1, "-123D45"},
         // The fraction is padded to the factor's decimals, and a value below one unit keeps its sign.
-        {1005, 0.001, 2, "1D005"},   {-5, 0.001, -1, "-0D005"},        {7, 0.1, 2, "0D7"},
+        {1005, 0.001, 2, "1D005"},
+        {-5, 0.001, -1, "-0D005"},
+        {7, 0.1, 2, "0D7"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::to_string(c.value) + " x " + std::to_string(c.factor));
@@ -213,8 +242,8 @@ TEST_P(Numeric, RandomRoundTrip)
 
 TEST(NumericText, RemoveTrailingZeros)
 {
-    const std::pair<const char*, const char*> cases[] = {
-        {"100", "100"}, {"1.500", "1.5"}, {"10.00", "10"}, {".00", ""}, {"", ""}, {"0.0", "0"}, {"00", "00"}};
+    const std::pair<const char*, const char*> cases[] = {{"100", "100"}, {"1.500", "1.5"}, {"10.00", "10"}, {".00", ""},
+                                                         {"", ""},       {"0.0", "0"},     {"00", "00"}};
     for (const auto& [before, after] : cases) {
         _SS<char> text(before);
         YXIntl::RemoveTrailingZeros(text, '.');
@@ -235,15 +264,23 @@ TEST(NumericText, NoBreakSpace)
 {
     intltest::Profile profile({{"sThousand", "\xA0"}, {"sDecimal", ","}});
     Intl intl;
-    EXPECT_EQ(intl.TextToNumeric("1\xA0" "234,5", nullptr, nullptr), 1234.5);
+    EXPECT_EQ(intl.TextToNumeric("1\xA0"
+                                 "234,5",
+                                 nullptr, nullptr),
+              1234.5);
     _SS<char> text;
     intl.NumericToText(1234567.5, text, 1);
-    EXPECT_EQ(text, "1\xA0" "234\xA0" "567,5");
+    EXPECT_EQ(text, "1\xA0"
+                    "234\xA0"
+                    "567,5");
     profile.Set({});
     YXIntl plain;
     bool ok = true;
     unsigned long offset = 0;
-    EXPECT_EQ(plain.TextToNumeric("1\xA0" "234", &ok, &offset), 0.0);
+    EXPECT_EQ(plain.TextToNumeric("1\xA0"
+                                  "234",
+                                  &ok, &offset),
+              0.0);
     EXPECT_FALSE(ok);
     EXPECT_EQ(offset, 1u);
 }

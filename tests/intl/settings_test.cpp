@@ -15,34 +15,67 @@ public:
     std::map<std::string, std::string> Members() const
     {
         const auto n = [](long v) { return std::to_string(v); };
-        return {{"sLanguage", m_sLanguage},   {"sCountry", m_sCountry},       {"iCountry", n(m_iCountry)},
-                {"iDate", n(m_iDate)},         {"iTime", n(m_iTime)},           {"iTLZero", n(m_iTLZero)},
-                {"iCurrency", n(m_iCurrency)}, {"iCurrDigits", n(m_iCurrDigits)}, {"iNegCurr", n(m_iNegCurr)},
-                {"iLzero", n(m_iLzero)},       {"iDigits", n(m_iDigits)},       {"iMeasure", n(m_iMeasure)},
-                {"s1159", m_s1159},           {"s2359", m_s2359},             {"sCurrency", m_sCurrency},
-                {"sThousand", m_sThousand},   {"sDecimal", m_sDecimal},       {"sDate", m_sDate},
-                {"sTime", m_sTime},           {"sList", m_sList},             {"sShortDate", m_sShortDate},
+        return {{"sLanguage", m_sLanguage},
+                {"sCountry", m_sCountry},
+                {"iCountry", n(m_iCountry)},
+                {"iDate", n(m_iDate)},
+                {"iTime", n(m_iTime)},
+                {"iTLZero", n(m_iTLZero)},
+                {"iCurrency", n(m_iCurrency)},
+                {"iCurrDigits", n(m_iCurrDigits)},
+                {"iNegCurr", n(m_iNegCurr)},
+                {"iLzero", n(m_iLzero)},
+                {"iDigits", n(m_iDigits)},
+                {"iMeasure", n(m_iMeasure)},
+                {"s1159", m_s1159},
+                {"s2359", m_s2359},
+                {"sCurrency", m_sCurrency},
+                {"sThousand", m_sThousand},
+                {"sDecimal", m_sDecimal},
+                {"sDate", m_sDate},
+                {"sTime", m_sTime},
+                {"sList", m_sList},
+                {"sShortDate", m_sShortDate},
                 {"sLongDate", m_sLongDate}};
     }
     bool Initialized() const { return m_bInitialized; }
 };
 
-const std::map<std::string, std::string> kDefaults = {
-    {"sLanguage", "enu"}, {"sCountry", "United States"}, {"iCountry", "1"},  {"iDate", "0"},
-    {"iTime", "0"},       {"iTLZero", "0"},              {"iCurrency", "0"}, {"iCurrDigits", "2"},
-    {"iNegCurr", "0"},    {"iLzero", "1"},               {"iDigits", "2"},   {"iMeasure", "1"},
-    {"s1159", "AM"},      {"s2359", "PM"},               {"sCurrency", "$"}, {"sThousand", ","},
-    {"sDecimal", "."},    {"sDate", "/"},                {"sTime", ":"},     {"sList", ","},
-    {"sShortDate", "M/d/yy"}, {"sLongDate", "dddd, MMMM dd, yyyy"}};
+const std::map<std::string, std::string> kDefaults = {{"sLanguage", "enu"},     {"sCountry", "United States"},
+                                                      {"iCountry", "1"},        {"iDate", "0"},
+                                                      {"iTime", "0"},           {"iTLZero", "0"},
+                                                      {"iCurrency", "0"},       {"iCurrDigits", "2"},
+                                                      {"iNegCurr", "0"},        {"iLzero", "1"},
+                                                      {"iDigits", "2"},         {"iMeasure", "1"},
+                                                      {"s1159", "AM"},          {"s2359", "PM"},
+                                                      {"sCurrency", "$"},       {"sThousand", ","},
+                                                      {"sDecimal", "."},        {"sDate", "/"},
+                                                      {"sTime", ":"},           {"sList", ","},
+                                                      {"sShortDate", "M/d/yy"}, {"sLongDate", "dddd, MMMM dd, yyyy"}};
 
 // A value for every key, none of them its default.
-const std::map<std::string, std::string> kGerman = {
-    {"sLanguage", "DEU"}, {"sCountry", "Germany"}, {"iCountry", "49"}, {"iDate", "1"},
-    {"iTime", "1"},       {"iTLZero", "1"},        {"iCurrency", "3"}, {"iCurrDigits", "3"},
-    {"iNegCurr", "8"},    {"iLzero", "0"},         {"iDigits", "4"},   {"iMeasure", "0"},
-    {"s1159", "vorm."},   {"s2359", "nachm."},     {"sCurrency", "EUR"}, {"sThousand", "."},
-    {"sDecimal", ","},    {"sDate", "."},          {"sTime", "-"},     {"sList", ";"},
-    {"sShortDate", "dd.MM.yyyy"}, {"sLongDate", "dddd, d. MMMM yyyy"}};
+const std::map<std::string, std::string> kGerman = {{"sLanguage", "DEU"},
+                                                    {"sCountry", "Germany"},
+                                                    {"iCountry", "49"},
+                                                    {"iDate", "1"},
+                                                    {"iTime", "1"},
+                                                    {"iTLZero", "1"},
+                                                    {"iCurrency", "3"},
+                                                    {"iCurrDigits", "3"},
+                                                    {"iNegCurr", "8"},
+                                                    {"iLzero", "0"},
+                                                    {"iDigits", "4"},
+                                                    {"iMeasure", "0"},
+                                                    {"s1159", "vorm."},
+                                                    {"s2359", "nachm."},
+                                                    {"sCurrency", "EUR"},
+                                                    {"sThousand", "."},
+                                                    {"sDecimal", ","},
+                                                    {"sDate", "."},
+                                                    {"sTime", "-"},
+                                                    {"sList", ";"},
+                                                    {"sShortDate", "dd.MM.yyyy"},
+                                                    {"sLongDate", "dddd, d. MMMM yyyy"}};
 
 TEST(IntlSettings, EveryKeyOrItsDefault)
 {

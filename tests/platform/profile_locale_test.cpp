@@ -15,25 +15,53 @@
 
 namespace {
 
-const char* const kKeys[] = {"sLanguage", "sCountry",  "iCountry", "iDate",    "iTime",   "iTLZero",
-                             "iCurrency", "iCurrDigits", "iNegCurr", "iLzero",  "iDigits", "iMeasure",
-                             "s1159",     "s2359",     "sCurrency", "sThousand", "sDecimal", "sDate",
-                             "sTime",     "sList",     "sShortDate", "sLongDate"};
+const char* const kKeys[] = {"sLanguage", "sCountry",    "iCountry",   "iDate",     "iTime",    "iTLZero",
+                             "iCurrency", "iCurrDigits", "iNegCurr",   "iLzero",    "iDigits",  "iMeasure",
+                             "s1159",     "s2359",       "sCurrency",  "sThousand", "sDecimal", "sDate",
+                             "sTime",     "sList",       "sShortDate", "sLongDate"};
 
 // Made once under Wine 8.0, in the order of kKeys; texts in the locale's ANSI code page.
 const std::map<std::string, std::vector<std::string>> kWine = {
-    {"en_US",
-     {"ENU", "United States", "1", "0", "0", "0", "0", "2", "0", "1", "2", "1", "AM", "PM", "$", ",", ".", "/", ":",
-      ",", "M/d/yyyy", "dddd, MMMM d, yyyy"}},
-    {"de_DE",
-     {"DEU", "Germany", "49", "1", "1", "1", "3", "2", "8", "1", "2", "0", "AM", "PM", "\x80", ".", ",", ".", ":",
-      ";", "d.M.yyyy", "dddd, d. MMMM yyyy"}},
-    {"fr_FR",
-     {"FRA", "France", "33", "1", "1", "1", "3", "2", "15", "1", "2", "0", "AM", "PM", "\x80", "\xA0", ",", "/",
-      ":", ";", "dd/MM/yyyy", "dddd d MMMM yyyy"}},
+    {"en_US", {"ENU",      "United States",
+               "1",        "0",
+               "0",        "0",
+               "0",        "2",
+               "0",        "1",
+               "2",        "1",
+               "AM",       "PM",
+               "$",        ",",
+               ".",        "/",
+               ":",        ",",
+               "M/d/yyyy", "dddd, MMMM d, yyyy"}},
+    {"de_DE", {"DEU", "Germany", "49", "1",    "1", "1", "3", "2", "8", "1",        "2",
+               "0",   "AM",      "PM", "\x80", ".", ",", ".", ":", ";", "d.M.yyyy", "dddd, d. MMMM yyyy"}},
+    {"fr_FR", {"FRA", "France", "33", "1",    "1",    "1", "3", "2", "15", "1",          "2",
+               "0",   "AM",     "PM", "\x80", "\xA0", ",", "/", ":", ";",  "dd/MM/yyyy", "dddd d MMMM yyyy"}},
     {"ja_JP",
-     {"JPN", "Japan", "81", "2", "1", "0", "0", "0", "0", "1", "2", "0", "\x8C\xDF\x91O", "\x8C\xDF\x8C\xE3",
-      "\x81\x8F", ",", ".", "/", ":", ",", "yyyy/M/d", "yyyy\x94NM\x8C\x8E" "d\x93\xFA" "dddd"}},
+     {"JPN",
+      "Japan",
+      "81",
+      "2",
+      "1",
+      "0",
+      "0",
+      "0",
+      "0",
+      "1",
+      "2",
+      "0",
+      "\x8C\xDF\x91O",
+      "\x8C\xDF\x8C\xE3",
+      "\x81\x8F",
+      ",",
+      ".",
+      "/",
+      ":",
+      ",",
+      "yyyy/M/d",
+      "yyyy\x94NM\x8C\x8E"
+      "d\x93\xFA"
+      "dddd"}},
 };
 
 void ExpectLocale(const std::string& name)

@@ -48,7 +48,10 @@ public:
     WinIni(const WinIni&) = delete;
     WinIni& operator=(const WinIni&) = delete;
 
-    const fs::path& Path() const { return m_path; }
+    const fs::path& Path() const
+    {
+        return m_path;
+    }
 
 private:
     fs::path m_path;
@@ -84,10 +87,10 @@ TEST(Profile, WinIniRules)
         int number;
     };
     const Case cases[] = {
-        {"a", "spaced value", 0}, {"b", "quoted", 0},  {"c", "\"half", 0}, {"d", "", -7},        {"e", "dup1", 0},
-        {"f", "<def>", -7},       {"g", "<def>", -7},  {"h", "x;y", 0},    {"i i", "two words", 0}, {"j", "sq", 0},
-        {"k", " a ", 0},          {"l", "<def>", -7},  {"m", "0x1F", 31},  {"n", "-12", -12},    {"p", "\"mixed'", 0},
-        {"q", "<def>", -7},
+        {"a", "spaced value", 0}, {"b", "quoted", 0}, {"c", "\"half", 0},   {"d", "", -7},
+        {"e", "dup1", 0},         {"f", "<def>", -7}, {"g", "<def>", -7},   {"h", "x;y", 0},
+        {"i i", "two words", 0},  {"j", "sq", 0},     {"k", " a ", 0},      {"l", "<def>", -7},
+        {"m", "0x1F", 31},        {"n", "-12", -12},  {"p", "\"mixed'", 0}, {"q", "<def>", -7},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.key);
@@ -120,9 +123,9 @@ TEST(Profile, Numbers)
 {
     const WinIni ini("[yxprobe]\r\na=12\r\nb=-5\r\nc=0x10\r\nd= 12abc\r\ne=abc\r\nf=\r\ng=4294967295\r\n"
                      "h=99999999999\r\ni=+7\r\nj=010\r\nk=-0x10\r\nl=\t9\r\n");
-    const std::pair<const char*, int> cases[] = {{"a", 12},  {"b", -5},         {"c", 16}, {"d", 12},
-                                                 {"e", 0},   {"f", -7},         {"g", -1}, {"h", 1215752191},
-                                                 {"i", 7},   {"j", 10},         {"k", -16}, {"l", 9}};
+    const std::pair<const char*, int> cases[] = {{"a", 12}, {"b", -5}, {"c", 16},  {"d", 12},
+                                                 {"e", 0},  {"f", -7}, {"g", -1},  {"h", 1215752191},
+                                                 {"i", 7},  {"j", 10}, {"k", -16}, {"l", 9}};
     for (const auto& [key, number] : cases) {
         EXPECT_EQ(static_cast<int>(GetProfileIntA("yxprobe", key, -7)), number) << key;
     }

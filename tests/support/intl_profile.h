@@ -24,10 +24,10 @@
 namespace intltest {
 
 // Every key the library reads from section "intl".
-inline const char* const kKeys[] = {"sLanguage", "sCountry", "iCountry", "iDate",     "iTime",      "iTLZero",
-                                    "iCurrency", "iCurrDigits", "iNegCurr", "iLzero",  "iDigits",    "iMeasure",
-                                    "s1159",     "s2359",    "sCurrency", "sThousand", "sDecimal",  "sDate",
-                                    "sTime",     "sList",    "sShortDate", "sLongDate"};
+inline const char* const kKeys[] = {"sLanguage", "sCountry",    "iCountry",   "iDate",     "iTime",    "iTLZero",
+                                    "iCurrency", "iCurrDigits", "iNegCurr",   "iLzero",    "iDigits",  "iMeasure",
+                                    "s1159",     "s2359",       "sCurrency",  "sThousand", "sDecimal", "sDate",
+                                    "sTime",     "sList",       "sShortDate", "sLongDate"};
 
 class Profile {
 public:
@@ -41,8 +41,7 @@ public:
             m_saved[key] = (n == 1 && buffer[0] == '\x01') ? std::string("\x01") : std::string(buffer, n);
         }
 #else
-        m_base = std::filesystem::temp_directory_path() /
-                 ("yxtools-intl-" + std::to_string(std::random_device{}()));
+        m_base = std::filesystem::temp_directory_path() / ("yxtools-intl-" + std::to_string(std::random_device{}()));
         std::filesystem::create_directories(m_base / "drive_c" / "windows");
         setenv("YXTOOLS_PREFIX", m_base.c_str(), 1);
         // No locale data for any setting, so that a missing key gives the caller's default; the

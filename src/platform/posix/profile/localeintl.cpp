@@ -35,12 +35,12 @@ std::string Lower(std::string text)
 const char* CategoryOf(const std::string& lowerKey)
 {
     static const std::map<std::string, const char*> categories = {
-        {"idigits", "LC_NUMERIC"},   {"sthousand", "LC_NUMERIC"},   {"sdecimal", "LC_NUMERIC"},
-        {"ilzero", "LC_NUMERIC"},    {"slist", "LC_NUMERIC"},       {"imeasure", "LC_MEASUREMENT"},
+        {"idigits", "LC_NUMERIC"},    {"sthousand", "LC_NUMERIC"},  {"sdecimal", "LC_NUMERIC"},
+        {"ilzero", "LC_NUMERIC"},     {"slist", "LC_NUMERIC"},      {"imeasure", "LC_MEASUREMENT"},
         {"scurrency", "LC_MONETARY"}, {"icurrency", "LC_MONETARY"}, {"icurrdigits", "LC_MONETARY"},
-        {"inegcurr", "LC_MONETARY"}, {"stime", "LC_TIME"},          {"itime", "LC_TIME"},
-        {"itlzero", "LC_TIME"},      {"s1159", "LC_TIME"},          {"s2359", "LC_TIME"},
-        {"idate", "LC_TIME"},        {"sdate", "LC_TIME"},          {"sshortdate", "LC_TIME"},
+        {"inegcurr", "LC_MONETARY"},  {"stime", "LC_TIME"},         {"itime", "LC_TIME"},
+        {"itlzero", "LC_TIME"},       {"s1159", "LC_TIME"},         {"s2359", "LC_TIME"},
+        {"idate", "LC_TIME"},         {"sdate", "LC_TIME"},         {"sshortdate", "LC_TIME"},
         {"slongdate", "LC_TIME"},
     };
     const auto found = categories.find(lowerKey);
@@ -68,11 +68,10 @@ std::string WindowsLanguage(const std::string& icuName)
         {"es_MX", "ESM"}, {"zh_CN", "CHS"}, {"zh_TW", "CHT"}, {"zh_HK", "ZHH"}, {"sv_FI", "SVF"},
     };
     static const std::map<std::string, std::string> languages = {
-        {"en", "ENU"}, {"de", "DEU"}, {"fr", "FRA"}, {"it", "ITA"}, {"nl", "NLD"}, {"es", "ESN"},
-        {"pt", "PTB"}, {"zh", "CHS"}, {"sv", "SVE"}, {"pl", "PLK"}, {"cs", "CSY"}, {"tr", "TRK"},
-        {"nb", "NOR"}, {"no", "NOR"}, {"da", "DAN"}, {"el", "ELL"}, {"ko", "KOR"}, {"ja", "JPN"},
-        {"ru", "RUS"}, {"fi", "FIN"}, {"hu", "HUN"}, {"is", "ISL"}, {"sk", "SKY"}, {"sl", "SLV"},
-        {"uk", "UKR"}, {"ca", "CAT"}, {"he", "HEB"}, {"ar", "ARA"},
+        {"en", "ENU"}, {"de", "DEU"}, {"fr", "FRA"}, {"it", "ITA"}, {"nl", "NLD"}, {"es", "ESN"}, {"pt", "PTB"},
+        {"zh", "CHS"}, {"sv", "SVE"}, {"pl", "PLK"}, {"cs", "CSY"}, {"tr", "TRK"}, {"nb", "NOR"}, {"no", "NOR"},
+        {"da", "DAN"}, {"el", "ELL"}, {"ko", "KOR"}, {"ja", "JPN"}, {"ru", "RUS"}, {"fi", "FIN"}, {"hu", "HUN"},
+        {"is", "ISL"}, {"sk", "SKY"}, {"sl", "SLV"}, {"uk", "UKR"}, {"ca", "CAT"}, {"he", "HEB"}, {"ar", "ARA"},
     };
     const auto found = names.find(icuName);
     if (found != names.end()) {
@@ -126,8 +125,8 @@ std::string ToAnsi(UText text)
     ucnv_setSubstChars(converter.get(), "?", 1, &status);
     std::string out(text.size() * 4 + 1, '\0');
     status = U_ZERO_ERROR;
-    const int32_t length = ucnv_fromUChars(converter.get(), out.data(), static_cast<int32_t>(out.size()),
-                                           text.data(), static_cast<int32_t>(text.size()), &status);
+    const int32_t length = ucnv_fromUChars(converter.get(), out.data(), static_cast<int32_t>(out.size()), text.data(),
+                                           static_cast<int32_t>(text.size()), &status);
     if (U_FAILURE(status)) {
         return std::string();
     }
@@ -245,12 +244,12 @@ void AddCurrencyFormats(const char* locale, Table& table)
     if (U_FAILURE(status)) {
         return;
     }
-    const UText symbol = Read([&](UChar* b, int32_t n, UErrorCode* s) {
-        return unum_getSymbol(currency, UNUM_CURRENCY_SYMBOL, b, n, s);
-    });
+    const UText symbol = Read(
+        [&](UChar* b, int32_t n, UErrorCode* s) { return unum_getSymbol(currency, UNUM_CURRENCY_SYMBOL, b, n, s); });
     table["scurrency"] = ToAnsi(symbol);
     table["icurrdigits"] = std::to_string(unum_getAttribute(currency, UNUM_MAX_FRACTION_DIGITS));
-    const UText pattern = Read([&](UChar* b, int32_t n, UErrorCode* s) { return unum_toPattern(currency, 0, b, n, s); });
+    const UText pattern =
+        Read([&](UChar* b, int32_t n, UErrorCode* s) { return unum_toPattern(currency, 0, b, n, s); });
     unum_close(currency);
     const UText positive = pattern.substr(0, pattern.find(u';'));
     static const std::map<std::string, const char*> positives = {{"CN", "0"}, {"NC", "1"}, {"C N", "2"}, {"N C", "3"}};
@@ -268,9 +267,9 @@ void AddCurrencyFormats(const char* locale, Table& table)
         Read([&](UChar* b, int32_t n, UErrorCode* s) { return unum_toPattern(accounting, 0, b, n, s); });
     unum_close(accounting);
     const std::size_t semicolon = accountingPattern.find(u';');
-    const std::string negative = semicolon == UText::npos ? "-" + Shape(accountingPattern)
-                                                          : Shape(accountingPattern.substr(semicolon + 1));
-    static const char* const negatives[] = {"(CN)", "-CN",  "C-N",  "CN-",  "(NC)", "-NC",   "N-C",   "NC-",
+    const std::string negative =
+        semicolon == UText::npos ? "-" + Shape(accountingPattern) : Shape(accountingPattern.substr(semicolon + 1));
+    static const char* const negatives[] = {"(CN)", "-CN",  "C-N",  "CN-",  "(NC)", "-NC",  "N-C",   "NC-",
                                             "-N C", "-C N", "N C-", "C N-", "C -N", "N- C", "(C N)", "(N C)"};
     for (std::size_t i = 0; i < sizeof(negatives) / sizeof(negatives[0]); ++i) {
         if (negative == negatives[i]) {
@@ -312,14 +311,12 @@ void AddDateTimeFormats(const char* locale, Table& table)
     UErrorCode status = U_ZERO_ERROR;
     UDateFormat* time = udat_open(UDAT_SHORT, UDAT_NONE, locale, nullptr, 0, nullptr, 0, &status);
     if (U_SUCCESS(status)) {
-        const UText pattern = WithoutMarks(
-            Read([&](UChar* b, int32_t n, UErrorCode* s) { return udat_toPattern(time, 0, b, n, s); }));
-        table["s1159"] = ToAnsi(Read([&](UChar* b, int32_t n, UErrorCode* s) {
-            return udat_getSymbols(time, UDAT_AM_PMS, 0, b, n, s);
-        }));
-        table["s2359"] = ToAnsi(Read([&](UChar* b, int32_t n, UErrorCode* s) {
-            return udat_getSymbols(time, UDAT_AM_PMS, 1, b, n, s);
-        }));
+        const UText pattern =
+            WithoutMarks(Read([&](UChar* b, int32_t n, UErrorCode* s) { return udat_toPattern(time, 0, b, n, s); }));
+        table["s1159"] = ToAnsi(
+            Read([&](UChar* b, int32_t n, UErrorCode* s) { return udat_getSymbols(time, UDAT_AM_PMS, 0, b, n, s); }));
+        table["s2359"] = ToAnsi(
+            Read([&](UChar* b, int32_t n, UErrorCode* s) { return udat_getSymbols(time, UDAT_AM_PMS, 1, b, n, s); }));
         udat_close(time);
         const std::size_t hour = pattern.find_first_of(u"hHkK");
         if (hour != UText::npos) {
@@ -348,8 +345,8 @@ void AddDateTimeFormats(const char* locale, Table& table)
     status = U_ZERO_ERROR;
     UDateFormat* date = udat_open(UDAT_NONE, UDAT_FULL, locale, nullptr, 0, nullptr, 0, &status);
     if (U_SUCCESS(status)) {
-        table["slongdate"] = ToAnsi(WindowsPicture(WithoutMarks(
-            Read([&](UChar* b, int32_t n, UErrorCode* s) { return udat_toPattern(date, 0, b, n, s); }))));
+        table["slongdate"] = ToAnsi(WindowsPicture(
+            WithoutMarks(Read([&](UChar* b, int32_t n, UErrorCode* s) { return udat_toPattern(date, 0, b, n, s); }))));
         udat_close(date);
     }
 }
@@ -378,9 +375,8 @@ Table MakeTable(const std::string& icuName)
     status = U_ZERO_ERROR;
     uloc_getCountry(locale, territory, sizeof(territory), &status);
     if (U_SUCCESS(status) && territory[0] != '\0') {
-        const UText country = Read([&](UChar* b, int32_t n, UErrorCode* s) {
-            return uloc_getDisplayCountry(locale, "en", b, n, s);
-        });
+        const UText country =
+            Read([&](UChar* b, int32_t n, UErrorCode* s) { return uloc_getDisplayCountry(locale, "en", b, n, s); });
         table["scountry"] = ToAnsi(country);
         if (const char* code = CountryCode(territory)) {
             table["icountry"] = code;
