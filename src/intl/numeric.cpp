@@ -71,6 +71,24 @@ double ParseDouble(const _SS<char>& clean)
     return read.ec == std::errc() ? value : 0.0;
 }
 
+// The head of a printed number: its "-", and its leading "0" when lzero asks for it; the offset of
+// what follows in t.
+std::size_t SignAndLeadingZero(const _SS<char>& t, long lzero, _SS<char>& text)
+{
+    std::size_t i = 0;
+    if (!t.empty() && t[0] == '-') {
+        text += '-';
+        i = 1;
+    }
+    if (i < t.size() && t[i] == '0') {
+        if (lzero != 0) {
+            text += '0';
+        }
+        ++i;
+    }
+    return i;
+}
+
 // 32-bit arithmetic that wraps as the processor's does, without undefined behaviour.
 std::int32_t Wrap(std::int64_t value)
 {
@@ -208,17 +226,7 @@ void YXIntl::SeparatorPass(const _SS<char>& t, _SS<char>& text) const
 {
     const char thousand = FirstByte(m_sThousand);
     const char decimal = FirstByte(m_sDecimal);
-    std::size_t i = 0;
-    if (!t.empty() && t[0] == '-') {
-        text += '-';
-        i = 1;
-    }
-    if (i < t.size() && t[i] == '0') {
-        if (m_iLzero != 0) {
-            text += '0';
-        }
-        ++i;
-    }
+    std::size_t i = SignAndLeadingZero(t, m_iLzero, text);
     const std::size_t point = t.find('.');
     std::size_t n = (point == _SS<char>::npos ? t.size() : point) - i;
     bool decimalWritten = false;
@@ -262,7 +270,9 @@ void YXIntl::NumericToText(double value, _SS<char>& text, short precision) const
     } else {
         decimals = -static_cast<int>(precision);
     }
-    // A negative count from m_iDigits prints as printf takes it: as if none were given.
+    // A negative count from m_iDigits prints as printf takes it: as if none were given. NaN passes
+    // the range test and prints as the runtime prints it ("nan", "-nan(ind)"), with the separator
+    // pass over those letters.
     _SS<char> t;
     t.Format("%.*lf", decimals, value);
     text.clear();
@@ -314,17 +324,7 @@ void YXIntl::LongToText(long value, _SS<char>& text) const
     _SS<char> t;
     t.Format("%ld", value);
     const char thousand = FirstByte(m_sThousand);
-    std::size_t i = 0;
-    if (!t.empty() && t[0] == '-') {
-        text += '-';
-        i = 1;
-    }
-    if (i < t.size() && t[i] == '0') {
-        if (m_iLzero != 0) {
-            text += '0';
-        }
-        ++i;
-    }
+    std::size_t i = SignAndLeadingZero(t, m_iLzero, text);
     std::size_t n = t.size() - i;
     for (; i < t.size(); ++i) {
         text += t[i];
