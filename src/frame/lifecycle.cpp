@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "diagnostics/errorslog_internal.h"
+#include "intl/intl_internal.h"
 #include "names/nameprovider_internal.h"
 #include "text/text_internal.h"
 #include "platform/win32.h"
@@ -17,7 +18,7 @@ namespace yx::frame {
 // settings of step 1 stay. A host that initialises twice gets new, empty objects either way.
 void RunInitialisationSequence()
 {
-    // 1. regional settings, 2. multibyte tables: they join here when their subsystems land.
+    YXIntl_Create();
     String_InitTables();
     YXNameProvider_InitRegistries(true);
     YXErrorsLog_CreateDefault();
@@ -28,7 +29,7 @@ void RunClosingSequence()
 {
     YXErrorsLog_DestroyDefault();
     YXNameProvider_InitRegistries(false);
-    // 3. regional settings: joins here with its subsystem.
+    YXIntl_Destroy();
 }
 
 bool IsWin9XRecord(const OSVERSIONINFOA& info)

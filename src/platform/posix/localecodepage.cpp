@@ -39,15 +39,20 @@ std::string Lower(std::string text)
 
 namespace yx::platform {
 
-const char* UserLocaleName()
+const char* LocaleVariable(const char* category)
 {
-    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-        const char* value = std::getenv(variable);
+    for (const char* variable : {"LC_ALL", category, "LANG"}) {
+        const char* value = variable != nullptr ? std::getenv(variable) : nullptr;
         if (value != nullptr && *value != '\0') {
             return value;
         }
     }
     return "C";
+}
+
+const char* UserLocaleName()
+{
+    return LocaleVariable("LC_CTYPE");
 }
 
 unsigned int CodePageOfLocale(const char* name)

@@ -6,6 +6,10 @@
 
 namespace yx::platform {
 
+// The locale name that rules a category, as the C library picks it: LC_ALL, else the category's
+// own variable (none when null), else LANG; "C" when none is set. Read at each call.
+const char* LocaleVariable(const char* category);
+
 // The locale name the user's environment gives: LC_ALL, else LC_CTYPE, else LANG, else "C".
 // The process locale (setlocale) plays no part: that belongs to the host.
 const char* UserLocaleName();

@@ -17,6 +17,7 @@ using WORD = std::uint16_t;
 using DWORD = std::uint32_t;
 using LONG = std::int32_t;
 using UINT = unsigned int;
+using INT = int;
 using CHAR = char;
 using HANDLE = void*;
 using LPSTR = char*;
@@ -183,6 +184,16 @@ YX_PLATFORM void _makepath(char* path, const char* drive, const char* dir, const
 // Upper-cases a zero-terminated text in place as the runtime does in the "C" locale (a to z only)
 // and gives it back.
 YX_PLATFORM char* _strupr(char* str);
+// The profile service. A key is read from the prefix's drive_c/windows/win.ini when that file has
+// it (read afresh at each call); else, in section "intl", from the user's POSIX locale (LC_ALL,
+// else the setting's category variable, else LANG), with ICU's locale data written as Windows
+// writes them; else the default answers, without the blanks that end it. The text is cut to
+// nSize - 1 bytes; the result is its length.
+YX_PLATFORM DWORD GetProfileStringA(LPCSTR lpAppName, LPCSTR lpKeyName, LPCSTR lpDefault, LPSTR lpReturnedString,
+                                    DWORD nSize);
+// The same value read as a number: blanks, a sign, decimal or "0x" hexadecimal digits, wrapping
+// to 32 bits; nDefault when the key is missing or empty.
+YX_PLATFORM UINT GetProfileIntA(LPCSTR lpAppName, LPCSTR lpKeyName, INT nDefault);
 
 // Files, folders and the runtime's file functions.
 #include "platform/posix/files/files_posix.h"
