@@ -12,6 +12,16 @@ endfunction()
 
 run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
 
+# The installed command finds the installed library from its own place (its run path), with no
+# LD_LIBRARY_PATH.
+if(WITH_COMMAND)
+  unset(ENV{LD_LIBRARY_PATH})
+  run(${prefix}/bin/yxtools version)
+  if(NOT last_output MATCHES "YXTools [0-9]")
+    message(FATAL_ERROR "the installed yxtools did not run:\n${last_output}")
+  endif()
+endif()
+
 set(sanitize_flags "")
 if(SANITIZE)
   set(sanitize_flags "-fsanitize=address,undefined")

@@ -41,7 +41,9 @@ public:
         }
         wchar_t wide[4];
         const int count = MultiByteToWideChar(m_codePage, MB_ERR_INVALID_CHARS, p, static_cast<int>(length), wide, 4);
-        p += length;
+        // A lead byte without its trail byte is the fault alone: the next byte is read afresh, as ICU
+        // does, so that both builds show the same.
+        p += count > 0 ? length : 1;
         if (count <= 0) {
             return false;
         }

@@ -28,7 +28,7 @@ void AddHelpCommand(CLI::App& app, cli::Context& context)
     CLI::App* help = app.add_subcommand("help", "the help of the program, or of a command ('help path split')");
     auto words = std::make_shared<std::vector<std::string>>();
     help->add_option("COMMAND", *words, "the command, and its sub-commands");
-    context.SetAction(help, [&app, words] {
+    context.SetAction(help, [&app, &context, words] {
         const CLI::App* target = &app;
         std::string parents;
         for (const std::string& word : *words) {
@@ -43,7 +43,12 @@ void AddHelpCommand(CLI::App& app, cli::Context& context)
             parents += (parents.empty() ? "" : " ") + target->get_name();
             target = sub;
         }
-        std::printf("%s", target->help(parents).c_str());
+        const std::string text = target->help(parents);
+        if (context.json) {
+            context.result["help"] = text;
+        } else {
+            std::printf("%s", text.c_str());
+        }
         return 0;
     });
 }
