@@ -14,5 +14,6 @@
 #include "yxtools/files.h"
 #include "yxtools/memory.h"
 #include "yxtools/holes.h"
+#include "yxtools/concurrency.h"
 
 #endif

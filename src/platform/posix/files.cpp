@@ -11,6 +11,7 @@
 #include <string>
 
 #include "platform/posix/files_internal.h"
+#include "platform/posix/sync/kernel_objects.h"
 #include "platform/posix/handle_table.h"
 
 namespace yxposix {
@@ -353,6 +354,10 @@ BOOL CloseHandle(HANDLE hObject)
 {
     FileHandle* file = g_files.Take(hObject);
     if (file == nullptr) {
+        // Mutexes and threads.
+        if (yx::platform::sync::Uncancellable([&] { return yx::platform::sync::CloseKernelHandle(hObject); })) {
+            return TRUE;
+        }
         Report(ERROR_INVALID_HANDLE);
         return FALSE;
     }

@@ -125,6 +125,8 @@ YX_PLATFORM void _makepath(char* path, const char* drive, const char* dir, const
 
 // Files, folders and the runtime's file functions.
 #include "platform/posix/files_posix.h"
+// Critical sections, mutexes and threads.
+#include "platform/posix/sync/sync_posix.h"
 // Movable memory. A fixed block's handle is its address; a movable block's handle is a token that
 // is never an address of its data, and the data may move while the block is not locked. Blocks
 // are tracked in one table, so a handle that is not a live block is refused with
