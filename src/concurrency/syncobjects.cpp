@@ -7,7 +7,7 @@
 namespace {
 
 static_assert(sizeof(CRITICAL_SECTION) <= sizeof(YXCriticalSection::m_CriticalSection),
-    "the platform's section must fit in the storage of YXCriticalSection");
+              "the platform's section must fit in the storage of YXCriticalSection");
 
 CRITICAL_SECTION* Section(unsigned char* storage)
 {
@@ -29,9 +29,8 @@ DWORD MutexTimeOut(long lTimeOut)
 HANDLE Duplicate(HANDLE handle)
 {
     HANDLE copy = nullptr;
-    if (handle == nullptr ||
-        DuplicateHandle(GetCurrentProcess(), handle, GetCurrentProcess(), &copy, 0, FALSE, DUPLICATE_SAME_ACCESS) ==
-            FALSE) {
+    if (handle == nullptr || DuplicateHandle(GetCurrentProcess(), handle, GetCurrentProcess(), &copy, 0, FALSE,
+                                             DUPLICATE_SAME_ACCESS) == FALSE) {
         return nullptr;
     }
     return copy;

@@ -1,5 +1,8 @@
 #include <cstdint>
 #include <new>
+#if !defined(_WIN32)
+#include <cxxabi.h>
+#endif
 
 #include "platform/win32.h"
 #include "yxtools/concurrency.h"
@@ -20,9 +23,8 @@ DWORD ThreadTimeOut(long lTimeOut, std::int32_t lDefault)
 HANDLE Duplicate(HANDLE handle)
 {
     HANDLE copy = nullptr;
-    if (handle == nullptr ||
-        DuplicateHandle(GetCurrentProcess(), handle, GetCurrentProcess(), &copy, 0, FALSE, DUPLICATE_SAME_ACCESS) ==
-            FALSE) {
+    if (handle == nullptr || DuplicateHandle(GetCurrentProcess(), handle, GetCurrentProcess(), &copy, 0, FALSE,
+                                             DUPLICATE_SAME_ACCESS) == FALSE) {
         return nullptr;
     }
     return copy;
@@ -38,15 +40,13 @@ struct YXThreadEntry {
 YXThread::YXThread()
     : m_dwThreadId(0), m_hThread(nullptr), m_dwMainThreadId(GetCurrentThreadId()), m_hMainThread(GetCurrentThread()),
       m_lTimeOut(kDefaultTimeOut), m_bAskForStop(false), m_bFinished(true)
-{
-}
+{}
 
 YXThread::YXThread(const YXThread& other)
     : m_dwThreadId(other.m_dwThreadId), m_hThread(Duplicate(other.m_hThread.load())),
       m_dwMainThreadId(other.m_dwMainThreadId), m_hMainThread(other.m_hMainThread), m_lTimeOut(other.m_lTimeOut),
       m_bAskForStop(other.m_bAskForStop.load()), m_bFinished(other.m_bFinished.load())
-{
-}
+{}
 
 YXThread& YXThread::operator=(const YXThread& other)
 {
@@ -127,7 +127,18 @@ unsigned long YXThread::runProcess(void* pContext)
         return 0;
     }
     self->m_bFinished = false;
-    const unsigned long result = self->Process();
+    unsigned long result = 1;
+    // An exception that leaves Process ends the worker as a killed one does, with exit code 1,
+    // rather than the whole process; the object still ends in the ended state.
+    try {
+        result = self->Process();
+#if !defined(_WIN32)
+    } catch (abi::__forced_unwind&) {
+        throw; // the thread is being terminated: its unwinding must go on
+#endif
+    } catch (...) {
+        result = 1;
+    }
     self->m_bFinished = true;
     // The last touch of the object: from here on the client may destroy it.
     HANDLE own = self->m_hThread.exchange(nullptr);

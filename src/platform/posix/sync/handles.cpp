@@ -80,24 +80,24 @@ HANDLE GetCurrentProcess()
 }
 
 BOOL DuplicateHandle(HANDLE hSourceProcessHandle, HANDLE hSourceHandle, HANDLE hTargetProcessHandle,
-    LPHANDLE lpTargetHandle, DWORD dwDesiredAccess, BOOL bInheritHandle, DWORD dwOptions)
+                     LPHANDLE lpTargetHandle, DWORD dwDesiredAccess, BOOL bInheritHandle, DWORD dwOptions)
 {
     return yx::platform::sync::Uncancellable([&]() -> BOOL {
-    if (hSourceProcessHandle != GetCurrentProcess() || hTargetProcessHandle != GetCurrentProcess()) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return FALSE;
-    }
-    auto object = Lookup(hSourceHandle);
-    if (object == nullptr) {
-        return FALSE;
-    }
-    if ((dwOptions & DUPLICATE_CLOSE_SOURCE) != 0) {
-        yx::platform::sync::CloseKernelHandle(hSourceHandle);
-    }
-    if (lpTargetHandle == nullptr) {
+        if (hSourceProcessHandle != GetCurrentProcess() || hTargetProcessHandle != GetCurrentProcess()) {
+            SetLastError(ERROR_INVALID_HANDLE);
+            return FALSE;
+        }
+        auto object = Lookup(hSourceHandle);
+        if (object == nullptr) {
+            return FALSE;
+        }
+        if ((dwOptions & DUPLICATE_CLOSE_SOURCE) != 0) {
+            yx::platform::sync::CloseKernelHandle(hSourceHandle);
+        }
+        if (lpTargetHandle == nullptr) {
+            return TRUE;
+        }
+        *lpTargetHandle = yx::platform::sync::AddHandle(std::move(object));
         return TRUE;
-    }
-    *lpTargetHandle = yx::platform::sync::AddHandle(std::move(object));
-    return TRUE;
     });
 }

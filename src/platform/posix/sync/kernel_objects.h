@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <condition_variable>
 #include <cstddef>
 #include <memory>
@@ -34,19 +35,22 @@ std::size_t LiveHandles();
 // True while the calling thread is one of ours that TerminateThread is ending.
 bool TerminationPending();
 
-// Runs a stand-in call with cancellation held off, so that a thread that is being terminated
-// never stops inside the stand-in with one of its locks held. The cancellation, if one came,
+// The signal by which TerminateThread ends one of the stand-in's threads.
+int TerminateSignal();
+
+// Runs a stand-in call with termination held back, so that a thread that is being terminated
+// never stops inside the stand-in with one of its locks held. The termination, if one came,
 // takes effect when the call is over.
 template <class Call>
 auto Uncancellable(Call call)
 {
-    int previous = PTHREAD_CANCEL_ENABLE;
-    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &previous);
+    sigset_t block;
+    sigset_t previous;
+    sigemptyset(&block);
+    sigaddset(&block, TerminateSignal());
+    pthread_sigmask(SIG_BLOCK, &block, &previous);
     auto result = call();
-    pthread_setcancelstate(previous, nullptr);
-    if (previous == PTHREAD_CANCEL_ENABLE) {
-        pthread_testcancel();
-    }
+    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
     return result;
 }
 

@@ -67,7 +67,7 @@ YX_PLATFORM BOOL ReleaseMutex(HANDLE hMutex);
 YX_PLATFORM DWORD WaitForSingleObject(HANDLE hHandle, DWORD dwMilliseconds);
 // Only within this process: both process handles must be GetCurrentProcess().
 YX_PLATFORM BOOL DuplicateHandle(HANDLE hSourceProcessHandle, HANDLE hSourceHandle, HANDLE hTargetProcessHandle,
-    LPHANDLE lpTargetHandle, DWORD dwDesiredAccess, BOOL bInheritHandle, DWORD dwOptions);
+                                 LPHANDLE lpTargetHandle, DWORD dwDesiredAccess, BOOL bInheritHandle, DWORD dwOptions);
 YX_PLATFORM HANDLE GetCurrentProcess();
 
 using LPTHREAD_START_ROUTINE = DWORD (*)(LPVOID);
@@ -76,7 +76,8 @@ using LPTHREAD_START_ROUTINE = DWORD (*)(LPVOID);
 // dwStackSize 0 is the default stack; CREATE_SUSPENDED holds the thread before its routine
 // until ResumeThread.
 YX_PLATFORM HANDLE CreateThread(LPSECURITY_ATTRIBUTES lpThreadAttributes, std::size_t dwStackSize,
-    LPTHREAD_START_ROUTINE lpStartAddress, LPVOID lpParameter, DWORD dwCreationFlags, LPDWORD lpThreadId);
+                                LPTHREAD_START_ROUTINE lpStartAddress, LPVOID lpParameter, DWORD dwCreationFlags,
+                                LPDWORD lpThreadId);
 // The pseudo-handle (HANDLE)-2 that always means the calling thread.
 YX_PLATFORM HANDLE GetCurrentThread();
 // The thread's id, never 0, unique among the threads that run.

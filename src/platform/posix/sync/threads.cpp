@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <csetjmp>
 #include <csignal>
 #include <ctime>
 #include <utility>
@@ -23,6 +24,15 @@ int ResumeSignal()
 {
     return SIGRTMIN + 5;
 }
+
+} // namespace
+
+int TerminateSignal()
+{
+    return SIGRTMIN + 6;
+}
+
+namespace {
 
 class Mutex;
 
@@ -159,8 +169,7 @@ class Thread : public KernelObject {
 public:
     Thread(LPTHREAD_START_ROUTINE start, LPVOID parameter, bool suspended)
         : m_start(start), m_parameter(parameter), m_suspendCount(suspended ? 1 : 0)
-    {
-    }
+    {}
 
     DWORD Wait(DWORD dwMilliseconds) override
     {
@@ -231,12 +240,8 @@ public:
             m_wake.notify_all();
             return TRUE;
         }
-        pthread_cancel(m_thread);
-        if (m_parked.load()) {
-            // A parked thread is inside the suspend handler: let it out to be cancelled.
-            m_resumed.store(true);
-            pthread_kill(m_thread, ResumeSignal());
-        }
+        // A parked thread takes the signal inside the suspend handler and leaves from there.
+        pthread_kill(m_thread, TerminateSignal());
         return TRUE;
     }
 
@@ -258,6 +263,16 @@ public:
 
     // Starts the thread, which keeps `self` until it ends.
     bool Start(const std::shared_ptr<Thread>& self);
+
+    // Called in the terminate signal's handler on the thread itself: leaves the thread's routine
+    // at once, running none of its code, unless the routine is not running.
+    void Leave()
+    {
+        if (m_inRoutine.load()) {
+            m_inRoutine.store(false);
+            siglongjmp(m_jump, 1);
+        }
+    }
 
     // Called in the suspend signal's handler on the thread itself: parks until resumed.
     void Park()
@@ -295,6 +310,8 @@ private:
     bool m_ended = false;
     std::atomic<bool> m_over{false}; // the thread is past its routine
     std::atomic<bool> m_parked{false};
+    std::atomic<bool> m_inRoutine{false}; // m_jump leads out of the routine
+    sigjmp_buf m_jump{};
     std::atomic<bool> m_resumed{false};
 };
 
@@ -311,6 +328,13 @@ void OnSuspendSignal(int /*signal*/)
 
 void OnResumeSignal(int /*signal*/) {}
 
+void OnTerminateSignal(int /*signal*/)
+{
+    if (t_current != nullptr) {
+        t_current->Leave();
+    }
+}
+
 void InstallSignals()
 {
     static const bool installed = [] {
@@ -324,6 +348,10 @@ void InstallSignals()
         // sent between the test and the sleep is not lost.
         sigaddset(&action.sa_mask, ResumeSignal());
         sigaction(SuspendSignal(), &action, nullptr);
+        action.sa_handler = OnTerminateSignal;
+        action.sa_flags = 0;
+        sigemptyset(&action.sa_mask);
+        sigaction(TerminateSignal(), &action, nullptr);
         return true;
     }();
     (void)installed;
@@ -359,6 +387,11 @@ void* Thread::Main(void* argument)
 void Thread::Run()
 {
     t_current = this;
+    // The thread was made inside CreateThread, which holds the terminate signal back.
+    sigset_t terminate;
+    sigemptyset(&terminate);
+    sigaddset(&terminate, TerminateSignal());
+    pthread_sigmask(SIG_UNBLOCK, &terminate, nullptr);
     m_id.store(GetCurrentThreadId());
     // Runs at the end of the routine and when a cancellation unwinds the thread.
     struct Ending {
@@ -375,18 +408,24 @@ void Thread::Run()
             return;
         }
     }
-    // From here on TerminateThread ends the thread wherever it is, as on Windows. The stand-in's
-    // own calls hold the cancellation off while they run.
-    int previous = 0;
-    pthread_setcanceltype(PTHREAD_CANCEL_ASYNCHRONOUS, &previous);
-    const DWORD result = m_start(m_parameter);
-    pthread_setcanceltype(PTHREAD_CANCEL_DEFERRED, &previous);
-    ending.exitCode = result;
+    // From here on TerminateThread ends the thread wherever it is, as on Windows: its signal jumps
+    // back here, past the routine's frames, whose destructors do not run. The stand-in's own calls
+    // hold the signal back while they run, so that none of their locks stays held.
+    if (sigsetjmp(m_jump, 1) == 0) {
+        m_inRoutine.store(true);
+        if (m_terminating.load()) {
+            return; // terminated just before: the signal may have come too early to jump
+        }
+        const DWORD result = m_start(m_parameter);
+        m_inRoutine.store(false);
+        ending.exitCode = result;
+    } else {
+        m_parked.store(false); // it may have left from the suspend handler
+    }
 }
 
 void Thread::End(DWORD exitCode)
 {
-    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
     m_over.store(true);
     // Mutexes still owned are abandoned now, before waiters learn of the end.
     if (void* held = pthread_getspecific(HeldKey())) {
@@ -482,7 +521,8 @@ BOOL ReleaseMutex(HANDLE hMutex)
 }
 
 HANDLE CreateThread(LPSECURITY_ATTRIBUTES lpThreadAttributes, std::size_t dwStackSize,
-    LPTHREAD_START_ROUTINE lpStartAddress, LPVOID lpParameter, DWORD dwCreationFlags, LPDWORD lpThreadId)
+                    LPTHREAD_START_ROUTINE lpStartAddress, LPVOID lpParameter, DWORD dwCreationFlags,
+                    LPDWORD lpThreadId)
 {
     return Uncancellable([&]() -> HANDLE {
         if (lpThreadAttributes != nullptr || lpStartAddress == nullptr) {
