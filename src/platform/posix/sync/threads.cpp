@@ -230,7 +230,11 @@ public:
     BOOL Terminate(DWORD exitCode)
     {
         std::unique_lock<std::mutex> lock(m_lock);
-        if (m_ended || m_terminating.load()) {
+        if (m_ended) {
+            m_exitCode = exitCode; // as Wine does: the last word counts
+            return TRUE;
+        }
+        if (m_terminating.load()) {
             return TRUE;
         }
         m_terminating.store(true);
