@@ -3,15 +3,23 @@
 # packages that are there already are left alone.
 #   scripts/install-deps.sh           the POSIX build
 #   scripts/install-deps.sh windows   also the mingw-w64 cross compiler and Wine
+#   scripts/install-deps.sh fuzz      also clang 14 and its libFuzzer (the fuzz preset)
+# The two words may be given together.
 set -euo pipefail
 
 packages=(g++ cmake make pkg-config googletest libgtest-dev libbenchmark-dev libicu-dev libsqlite3-dev
+          libcli11-dev nlohmann-json3-dev jq
           clang-format clang-tidy)
-if [[ "${1:-}" == "windows" ]]; then
+if [[ " $* " == *" windows "* ]]; then
   # wine64 holds the loader and the server; the wine, wineserver and wineboot commands are in wine,
   # which wine64 only recommends. Nothing else it recommends (fonts, graphics, sound) matters to
   # console programs.
   packages+=(g++-mingw-w64-x86-64 wine64 wine)
+fi
+if [[ " $* " == *" fuzz "* ]]; then
+  # libFuzzer and the sanitizers' runtime of clang 14 are in libclang-rt-14-dev, which clang-14
+  # only recommends.
+  packages+=(clang-14 libclang-rt-14-dev)
 fi
 
 missing=()

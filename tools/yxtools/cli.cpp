@@ -1,118 +1,69 @@
 #include "cli.h"
 
-#include <cmath>
 #include <cstdarg>
+#include <cstdio>
 #include <cstdlib>
+
+#include "edge.h"
 
 namespace cli {
 
 namespace {
-std::map<std::string, Command>& Table()
+
+std::map<std::string, AddCommand>& Table()
 {
-    static std::map<std::string, Command> table;
+    static std::map<std::string, AddCommand> table;
     return table;
 }
 
-void Escape(std::string& out, const std::string& text)
+// The deepest command given that has an action.
+const std::function<int()>* FindAction(const CLI::App& app,
+                                       const std::map<const CLI::App*, std::function<int()>>& actions)
 {
-    out += '"';
-    for (const unsigned char c : text) {
-        switch (c) {
-        case '"':
-            out += "\\\"";
-            break;
-        case '\\':
-            out += "\\\\";
-            break;
-        case '\n':
-            out += "\\n";
-            break;
-        case '\r':
-            out += "\\r";
-            break;
-        case '\t':
-            out += "\\t";
-            break;
-        default:
-            if (c < 0x20) {
-                char buffer[8];
-                std::snprintf(buffer, sizeof(buffer), "\\u%04x", c);
-                out += buffer;
-            } else {
-                out += static_cast<char>(c);
-            }
+    for (const CLI::App* sub : app.get_subcommands()) {
+        if (const std::function<int()>* deeper = FindAction(*sub, actions)) {
+            return deeper;
         }
     }
-    out += '"';
+    const auto found = actions.find(&app);
+    return found == actions.end() ? nullptr : &found->second;
 }
+
 } // namespace
 
-Json::Json(double d) : m_kind(Kind::Number)
+CLI::Option* Context::AddText(CLI::App* app, const std::string& name, std::string& target,
+                              const std::string& description)
 {
-    if (!std::isfinite(d)) {
-        m_kind = Kind::Null;
-        return;
-    }
-    char buffer[32];
-    std::snprintf(buffer, sizeof(buffer), "%.17g", d);
-    m_text = buffer;
+    CLI::Option* option = app->add_option(name, target, description);
+    m_texts.push_back({option, &target, nullptr});
+    return option;
 }
 
-Json& Json::Push(Json value)
+CLI::Option* Context::AddTexts(CLI::App* app, const std::string& name, std::vector<std::string>& target,
+                               const std::string& description)
 {
-    m_items.push_back(std::move(value));
-    return m_items.back();
+    CLI::Option* option = app->add_option(name, target, description);
+    m_texts.push_back({option, nullptr, &target});
+    return option;
 }
 
-Json& Json::Set(const std::string& key, Json value)
+std::string Context::In(const std::string& word, const std::string& name) const
 {
-    Child(key, std::move(value));
-    return *this;
-}
-
-Json& Json::Child(const std::string& key, Json value)
-{
-    for (auto& member : m_members) {
-        if (member.first == key) {
-            member.second = std::move(value);
-            return member.second;
+    std::string ansi;
+    if (hex) {
+        if (!edge::FromHex(word, ansi)) {
+            throw UsageError(name, "'" + word + "' is not hex bytes (pairs of hex digits, spaces between allowed)");
         }
+    } else if (!edge::FromTerminal(word, ansi)) {
+        throw UsageError(name, "'" + word + "' has no exact form in code page " + std::to_string(edge::AnsiCodePage()) +
+                                   "; give its bytes with --hex");
     }
-    m_members.emplace_back(key, std::move(value));
-    return m_members.back().second;
+    return ansi;
 }
 
-std::string Json::Dump() const
+void Context::SetAction(CLI::App* app, std::function<int()> action)
 {
-    std::string out;
-    switch (m_kind) {
-    case Kind::Null:
-        return "null";
-    case Kind::Bool:
-        return m_bool ? "true" : "false";
-    case Kind::Number:
-        return m_text;
-    case Kind::String:
-        Escape(out, m_text);
-        return out;
-    case Kind::Array:
-        out += '[';
-        for (std::size_t i = 0; i < m_items.size(); ++i) {
-            out += (i != 0 ? "," : "");
-            out += m_items[i].Dump();
-        }
-        return out + ']';
-    case Kind::Object:
-        out += '{';
-        for (std::size_t i = 0; i < m_members.size(); ++i) {
-            out += (i != 0 ? "," : "");
-            Escape(out, m_members[i].first);
-            out += ':';
-            out += m_members[i].second.Dump();
-        }
-        return out + '}';
-    }
-    return out;
+    m_actions[app] = std::move(action);
 }
 
 void Context::Line(const char* format, ...) const
@@ -122,35 +73,86 @@ void Context::Line(const char* format, ...) const
     }
     va_list args;
     va_start(args, format);
-    std::vprintf(format, args);
+    va_list again;
+    va_copy(again, args);
+    const int length = std::vsnprintf(nullptr, 0, format, args);
     va_end(args);
+    std::string line(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+    std::vsnprintf(&line[0], line.size() + 1, format, again);
+    va_end(again);
+    const std::string shown = edge::ToTerminal(line).text;
+    std::fwrite(shown.data(), 1, shown.size(), stdout);
     std::putchar('\n');
 }
 
-Registration::Registration(const Command& command)
+int Context::Run(const CLI::App& app)
 {
-    Table().emplace(command.name, command);
-}
-
-const std::map<std::string, Command>& Commands()
-{
-    return Table();
-}
-
-int UsageError(const Command& command, const std::string& message)
-{
-    std::fprintf(stderr, "yxtools %s: %s\nusage: yxtools %s\n", command.name, message.c_str(), command.usage);
-    return 2;
-}
-
-bool ParseNumber(const std::string& text, unsigned long long& value)
-{
-    if (text.empty() || text[0] == '-') {
-        return false;
+    for (const Text& text : m_texts) {
+        if (text.option->count() == 0) {
+            continue; // a default: the command's own text, already ANSI
+        }
+        const std::string name = text.option->get_name();
+        if (text.single != nullptr) {
+            *text.single = In(*text.single, name);
+        } else {
+            for (std::string& word : *text.list) {
+                word = In(word, name);
+            }
+        }
     }
+    const std::function<int()>* action = FindAction(app, m_actions);
+    if (action == nullptr) {
+        throw CLI::CallForHelp();
+    }
+    return (*action)();
+}
+
+void SetText(Json& object, const std::string& key, const std::string& ansi)
+{
+    edge::Converted converted = edge::ToUtf8(ansi);
+    object[key] = std::move(converted.text);
+    if (!converted.lossless) {
+        object[key + "_hex"] = edge::ToHex(ansi);
+    }
+}
+
+void SetTexts(Json& object, const std::string& key, const std::vector<std::string>& ansi)
+{
+    Json texts = Json::array();
+    Json bytes = Json::array();
+    bool lossless = true;
+    for (const std::string& text : ansi) {
+        edge::Converted converted = edge::ToUtf8(text);
+        lossless = lossless && converted.lossless;
+        texts.push_back(std::move(converted.text));
+        bytes.push_back(edge::ToHex(text));
+    }
+    object[key] = std::move(texts);
+    if (!lossless) {
+        object[key + "_hex"] = std::move(bytes);
+    }
+}
+
+unsigned long long Number(const std::string& word, const std::string& name)
+{
     char* end = nullptr;
-    value = std::strtoull(text.c_str(), &end, 0);
-    return end != nullptr && *end == '\0';
+    const unsigned long long value = std::strtoull(word.c_str(), &end, 0);
+    if (word.empty() || word[0] == '-' || word[0] == ' ' || end == nullptr || *end != '\0') {
+        throw UsageError(name, "'" + word + "' is not a whole number");
+    }
+    return value;
+}
+
+Registration::Registration(const char* name, AddCommand add)
+{
+    Table().emplace(name, add);
+}
+
+void AddCommands(CLI::App& app, Context& context)
+{
+    for (const auto& entry : Table()) {
+        entry.second(app, context);
+    }
 }
 
 } // namespace cli

@@ -1,13 +1,39 @@
-// The framework of the yxtools command: a table of commands that each family's file adds to,
-// and an output that is plain text for people or JSON for scripts.
+// The framework of the yxtools command: CLI11 parses, nlohmann/json writes, and the Context holds
+// the one edge where text changes encoding (edge.h).
+//
+// Adding a command `name`:
+//   1. Write tools/yxtools/cmd_name.cpp (the folder's sources are globbed). In it, define
+//        void cli::AddNameCommand(CLI::App& app, cli::Context& context)
+//      which adds the command to `app` with app.add_subcommand("name", "one line of summary") and its
+//      sub-commands, options and positionals to that, and register it once at file scope:
+//        const cli::Registration registration("name", cli::AddNameCommand);
+//      Commands are added in the order of their names; nothing else has to be edited.
+//   2. Numbers are typed options (add_option with an unsigned, a long...) and their ranges are
+//      checked by the parser (->check(CLI::Range(1, 100))), so a bad value is a usage error that
+//      names the argument. --help works at every level by itself.
+//   3. Text for the library is declared with context.AddText(...) (or AddTexts): it reaches the
+//      command in the ANSI code page, converted from the terminal's encoding or read as hex bytes
+//      with --hex. Text that arrives some other way (words of an operation list) goes through
+//      context.In(word, "NAME").
+//   4. Each leaf says what it does with context.SetAction(sub, [&context, in] { return ...; }). An
+//      action runs after the whole command line is parsed and its text converted; it returns 0 when
+//      done and 1 when the library said no. It throws cli::UsageError("ARG", "why") for a usage
+//      error the parser cannot see (exit status 2).
+//   5. Output: context.Line(printf format, ...) for people, with library text passed as it is (ANSI):
+//      the whole line is converted for the terminal. For JSON, fill context.result; library text goes
+//      in through cli::SetText / cli::SetTexts, which add a `<key>_hex` member with the exact bytes
+//      when the text does not convert losslessly. JSON is printed after the action (status 0 or 1).
+//   6. Tests: tests/cli/ runs the built command as a process (tests/cli/run_command.h).
 #ifndef YXTOOLS_CLI_H
 #define YXTOOLS_CLI_H
 
-#include <cstdio>
+#include <functional>
 #include <map>
 #include <string>
-#include <utility>
 #include <vector>
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 // Lines are printed with the C library's vprintf; on mingw-w64 that is its C99 formatter (the C++
 // runtime selects it), so %zu and %lld hold on both builds.
@@ -19,85 +45,70 @@
 
 namespace cli {
 
-// A JSON value: null, bool, number, string, array or object (keys kept in insertion order).
-class Json {
+// JSON objects keep their members in the order they were set.
+using Json = nlohmann::ordered_json;
+
+// A usage error found after parsing; names the argument, exits with status 2.
+class UsageError : public CLI::ValidationError {
 public:
-    enum class Kind { Null, Bool, Number, String, Array, Object };
+    UsageError(const std::string& argument, const std::string& message) : CLI::ValidationError(argument, message) {}
+};
 
-    Json() = default;
-    Json(bool b) : m_kind(Kind::Bool), m_bool(b) {}                                 // NOLINT
-    Json(long long n) : m_kind(Kind::Number), m_text(std::to_string(n)) {}          // NOLINT
-    Json(unsigned long long n) : m_kind(Kind::Number), m_text(std::to_string(n)) {} // NOLINT
-    Json(int n) : Json(static_cast<long long>(n)) {}                                // NOLINT
-    Json(long n) : Json(static_cast<long long>(n)) {}                               // NOLINT
-    Json(unsigned long n) : Json(static_cast<unsigned long long>(n)) {}             // NOLINT
-    Json(unsigned n) : Json(static_cast<unsigned long long>(n)) {}                  // NOLINT
-    Json(double d);                                                                 // NOLINT
-    Json(const char* s) : m_kind(Kind::String), m_text(s) {}                        // NOLINT
-    Json(std::string s) : m_kind(Kind::String), m_text(std::move(s)) {}             // NOLINT
+class Context {
+public:
+    bool json = false;        // --json: one JSON document instead of lines
+    bool hex = false;         // --hex: text arguments are given as hex bytes
+    bool interactive = false; // standard output is a terminal
+    Json result = Json::object();
 
-    static Json Array()
-    {
-        Json j;
-        j.m_kind = Kind::Array;
-        return j;
-    }
-    static Json Object()
-    {
-        Json j;
-        j.m_kind = Kind::Object;
-        return j;
-    }
+    // A text argument of `app`, handed to the command in the ANSI code page.
+    CLI::Option* AddText(CLI::App* app, const std::string& name, std::string& target, const std::string& description);
+    CLI::Option* AddTexts(CLI::App* app, const std::string& name, std::vector<std::string>& target,
+                          const std::string& description);
 
-    // Appends to an array.
-    Json& Push(Json value);
-    // Sets a member of an object; returns the object, for chaining.
-    Json& Set(const std::string& key, Json value);
-    // Sets a member of an object; returns the member, to fill it.
-    Json& Child(const std::string& key, Json value);
+    // One word of text from the command line, in the ANSI code page; `name` names it in errors.
+    std::string In(const std::string& word, const std::string& name) const;
 
-    std::string Dump() const;
+    // What runs when `app` is the command given.
+    void SetAction(CLI::App* app, std::function<int()> action);
+
+    // A line for people (ignored with --json); text in it is the library's, in the ANSI code page.
+    void Line(const char* format, ...) const CLI_PRINTF(2, 3);
+
+    // After parsing: converts the text arguments and runs the action of the command given. Throws
+    // CLI::ParseError for usage errors.
+    int Run(const CLI::App& app);
 
 private:
-    Kind m_kind = Kind::Null;
-    bool m_bool = false;
-    std::string m_text;
-    std::vector<Json> m_items;
-    std::vector<std::pair<std::string, Json>> m_members;
+    struct Text {
+        CLI::Option* option;
+        std::string* single;
+        std::vector<std::string>* list;
+    };
+    std::vector<Text> m_texts;
+    std::map<const CLI::App*, std::function<int()>> m_actions;
 };
 
-// Where a command writes: text lines for people, or one JSON document at the end.
-struct Context {
-    bool json = false;
-    bool interactive = false; // standard output is a terminal
-    Json result = Json::Object();
+// Library text (ANSI code page) as a JSON string member; adds `<key>_hex` with the exact bytes when
+// the text does not convert to UTF-8 losslessly.
+void SetText(Json& object, const std::string& key, const std::string& ansi);
+// The same for a list of texts: `<key>` is an array of strings, `<key>_hex` (when one is lossy) the
+// array of their bytes.
+void SetTexts(Json& object, const std::string& key, const std::vector<std::string>& ansi);
 
-    // A line for people; ignored in JSON mode.
-    void Line(const char* format, ...) const CLI_PRINTF(2, 3);
-};
+// Parses a whole number (decimal, 0x hex or 0 octal, as the options do); a usage error naming `name`
+// when the word is not one.
+unsigned long long Number(const std::string& word, const std::string& name);
 
-using Args = std::vector<std::string>;
-using Run = int (*)(Context&, const Args&);
+using AddCommand = void (*)(CLI::App&, Context&);
 
-struct Command {
-    const char* name;
-    const char* usage;
-    const char* summary;
-    Run run;
-};
-
-// Adds a command to the table; used through a static Registration in each command's file.
+// Registers a command's adding function; used once at file scope in each command's file.
 struct Registration {
-    explicit Registration(const Command& command);
+    Registration(const char* name, AddCommand add);
 };
 
-const std::map<std::string, Command>& Commands();
-
-// Reports a usage error on stderr and gives the exit code for it.
-int UsageError(const Command& command, const std::string& message);
-
-// Parses a whole number (decimal or 0x hex); false when the text is not one.
-bool ParseNumber(const std::string& text, unsigned long long& value);
+// Adds every registered command to the parser, in the order of their names.
+void AddCommands(CLI::App& app, Context& context);
 
 } // namespace cli
 

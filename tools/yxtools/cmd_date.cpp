@@ -4,24 +4,13 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "cli.h"
 
 namespace {
-
-const char kUsage[] = "date VALUE... | date compare FIRST SECOND|now [FLAGS] | date today\n"
-                      "  VALUE is a date Y-M-D (year -32768 to 32767, 0 and negative years included),\n"
-                      "        a date-time Y-M-DTh:m:s, a day number (15 October 1582 is 0), or a\n"
-                      "        date-time value with a point (152443.5); each is converted and back\n"
-                      "  compare FIRST SECOND [FLAGS]  compares two dates or date-times; SECOND 'now' is\n"
-                      "        the local time; FLAGS 0 date then time, 1 dates only, 2 times only\n"
-                      "  today the local time now, its day number and its value";
-
-int RunDate(cli::Context& context, const cli::Args& args);
-
-const cli::Command kCommand{"date", kUsage, "calendar: day numbers, date-time values, comparison, today", RunDate};
-const cli::Registration registration(kCommand);
 
 std::string DateText(long year, unsigned month, unsigned day)
 {
@@ -104,20 +93,24 @@ int Convert(cli::Context& context, const std::string& text, cli::Json& out)
     bool hasTime = false;
     double value = 0;
     bool whole = false;
-    out.Set("input", text);
+    out["input"] = text;
     if (ParseDateTime(text, t, hasTime)) {
         if (hasTime) {
             value = YXDate_DateToGregorianTime(t);
             DISKDATETIME back{};
             YXDate_GregorianTimeToDate(value, back);
-            out.Set("kind", "date-time").Set("value", value).Set("back", DateTimeText(back));
+            out["kind"] = "date-time";
+            out["value"] = value;
+            out["back"] = DateTimeText(back);
             context.Line("%s is %s; %s is %s", DateTimeText(t).c_str(), ValueText(value).c_str(),
                          ValueText(value).c_str(), DateTimeText(back).c_str());
         } else {
             const long number = YXDate_DateToGregorian(static_cast<unsigned short>(t.m_wYear), t.m_wMonth, t.m_wDay);
             DISKDATE back{};
             YXDate_GregorianToDate(number, back);
-            out.Set("kind", "date").Set("dayNumber", number).Set("back", DateText(back));
+            out["kind"] = "date";
+            out["dayNumber"] = number;
+            out["back"] = DateText(back);
             context.Line("%s is day %ld; day %ld is %s",
                          DateText(static_cast<short>(t.m_wYear), t.m_wMonth, t.m_wDay).c_str(), number, number,
                          DateText(back).c_str());
@@ -128,41 +121,50 @@ int Convert(cli::Context& context, const std::string& text, cli::Json& out)
             DISKDATE date{};
             YXDate_GregorianToDate(number, date);
             const long back = YXDate_DateToGregorian(date);
-            out.Set("kind", "day number").Set("date", DateText(date)).Set("back", back);
+            out["kind"] = "day number";
+            out["date"] = DateText(date);
+            out["back"] = back;
             context.Line("day %ld is %s; %s is day %ld", number, DateText(date).c_str(), DateText(date).c_str(), back);
         } else {
             YXDate_GregorianTimeToDate(value, t);
             const double back = YXDate_DateToGregorianTime(t);
-            out.Set("kind", "value").Set("dateTime", DateTimeText(t)).Set("back", back);
+            out["kind"] = "value";
+            out["dateTime"] = DateTimeText(t);
+            out["back"] = back;
             context.Line("%s is %s; %s is %s", ValueText(value).c_str(), DateTimeText(t).c_str(),
                          DateTimeText(t).c_str(), ValueText(back).c_str());
         }
     } else {
-        return cli::UsageError(kCommand, "cannot read '" + text + "' as a date, date-time or day number");
+        throw cli::UsageError("VALUE", "cannot read '" + text + "' as a date, date-time or day number");
     }
     return 0;
 }
 
-int Compare(cli::Context& context, const cli::Args& args)
+struct CompareInput {
+    std::string first;
+    std::string second;
+    unsigned long flags = 0;
+};
+
+int Compare(cli::Context& context, const CompareInput& in)
 {
-    if (args.size() < 3 || args.size() > 4) {
-        return cli::UsageError(kCommand, "compare takes two dates or date-times and, maybe, flags");
-    }
     DISKDATETIME first{};
     DISKDATETIME second{};
     bool hasTime = false;
-    const bool now = args[2] == "now";
-    if (!ParseDateTime(args[1], first, hasTime) || (!now && !ParseDateTime(args[2], second, hasTime))) {
-        return cli::UsageError(kCommand, "compare takes dates Y-M-D or date-times Y-M-DTh:m:s");
+    const bool now = in.second == "now";
+    if (!ParseDateTime(in.first, first, hasTime)) {
+        throw cli::UsageError("FIRST", "'" + in.first + "' is not a date Y-M-D or a date-time Y-M-DTh:m:s");
     }
-    unsigned long long flags = 0;
-    if (args.size() == 4 && !cli::ParseNumber(args[3], flags)) {
-        return cli::UsageError(kCommand, "flags are a whole number, not '" + args[3] + "'");
+    if (!now && !ParseDateTime(in.second, second, hasTime)) {
+        throw cli::UsageError("SECOND", "'" + in.second + "' is not a date Y-M-D, a date-time Y-M-DTh:m:s or now");
     }
-    const short result = YXDate_CompareDateTime(first, now ? nullptr : &second, static_cast<unsigned long>(flags));
-    context.result.Set("first", DateTimeText(first)).Set("second", now ? std::string("now") : DateTimeText(second));
-    context.result.Set("flags", flags).Set("result", static_cast<int>(result));
-    context.Line("%s with %s, flags %llu: 0x%02X", DateTimeText(first).c_str(),
+    const unsigned long flags = in.flags;
+    const short result = YXDate_CompareDateTime(first, now ? nullptr : &second, flags);
+    context.result["first"] = DateTimeText(first);
+    context.result["second"] = now ? std::string("now") : DateTimeText(second);
+    context.result["flags"] = flags;
+    context.result["result"] = result;
+    context.Line("%s with %s, flags %lu: 0x%02X", DateTimeText(first).c_str(),
                  now ? "the local time now" : DateTimeText(second).c_str(), flags, static_cast<unsigned>(result));
     static const struct {
         short bit;
@@ -175,13 +177,14 @@ int Compare(cli::Context& context, const cli::Args& args)
         {YXDATE_TIME_LATER, "the time of the first is later"},
         {YXDATE_TIME_SAME, "the times are the same"},
     };
-    cli::Json& bits = context.result.Child("bits", cli::Json::Array());
+    cli::Json bits = cli::Json::array();
     for (const auto& b : kBits) {
         if ((result & b.bit) != 0) {
-            bits.Push(b.meaning);
+            bits.push_back(b.meaning);
             context.Line("  0x%02X %s", static_cast<unsigned>(b.bit), b.meaning);
         }
     }
+    context.result["bits"] = std::move(bits);
     return 0;
 }
 
@@ -191,30 +194,58 @@ int Today(cli::Context& context)
     YXDate_GetDate(now);
     const long number = YXDate_DateToGregorian(now.m_wYear, now.m_wMonth, now.m_wDay);
     const double value = YXDate_DateToGregorianTime(now);
-    context.result.Set("now", DateTimeText(now)).Set("dayNumber", number).Set("value", value);
+    context.result["now"] = DateTimeText(now);
+    context.result["dayNumber"] = number;
+    context.result["value"] = value;
     context.Line("now: %s, day %ld, value %s", DateTimeText(now).c_str(), number, ValueText(value).c_str());
     return 0;
 }
 
-int RunDate(cli::Context& context, const cli::Args& args)
+int Convert(cli::Context& context, const std::vector<std::string>& values)
 {
-    if (args.empty()) {
-        return cli::UsageError(kCommand, "what to convert?");
+    cli::Json conversions = cli::Json::array();
+    for (const std::string& text : values) {
+        cli::Json conversion = cli::Json::object();
+        Convert(context, text, conversion);
+        conversions.push_back(std::move(conversion));
     }
-    if (args[0] == "compare") {
-        return Compare(context, args);
-    }
-    if (args[0] == "today" && args.size() == 1) {
-        return Today(context);
-    }
-    cli::Json& conversions = context.result.Child("conversions", cli::Json::Array());
-    for (const std::string& text : args) {
-        const int status = Convert(context, text, conversions.Push(cli::Json::Object()));
-        if (status != 0) {
-            return status;
-        }
-    }
+    context.result["conversions"] = std::move(conversions);
     return 0;
 }
 
 } // namespace
+
+namespace cli {
+
+void AddDateCommand(CLI::App& app, Context& context)
+{
+    CLI::App* command = app.add_subcommand("date", "calendar: day numbers, date-time values, comparison, today");
+    auto values = std::make_shared<std::vector<std::string>>();
+    command->add_option("VALUE", *values,
+                        "a date Y-M-D (year -32768 to 32767, 0 and negative years included), a date-time "
+                        "Y-M-DTh:m:s, a day number (15 October 1582 is 0), or a date-time value with a point "
+                        "(152443.5); each is converted and back");
+    context.SetAction(command, [&context, values] {
+        if (values->empty()) {
+            throw UsageError("VALUE", "what to convert?");
+        }
+        return Convert(context, *values);
+    });
+
+    auto compare = std::make_shared<CompareInput>();
+    CLI::App* compareApp = command->add_subcommand("compare", "compares two dates or date-times");
+    compareApp->add_option("FIRST", compare->first, "a date or date-time")->required();
+    compareApp->add_option("SECOND", compare->second, "a date or date-time, or now: the local time")->required();
+    compareApp->add_option("FLAGS", compare->flags, "0 date then time, 1 dates only, 2 times only")
+        ->check(CLI::Range(0UL, 0xFFFFFFFFUL));
+    context.SetAction(compareApp, [&context, compare] { return Compare(context, *compare); });
+
+    CLI::App* today = command->add_subcommand("today", "the local time now, its day number and its value");
+    context.SetAction(today, [&context] { return Today(context); });
+}
+
+} // namespace cli
+
+namespace {
+const cli::Registration registration("date", cli::AddDateCommand);
+}

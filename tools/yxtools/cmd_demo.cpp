@@ -14,7 +14,7 @@ cli::Json* g_steps = nullptr;
 
 void Step(const std::string& what)
 {
-    g_steps->Push(cli::Json::Object()).Set("step", what);
+    g_steps->push_back({{"step", what}});
     g_context->Line("%s", what.c_str());
 }
 
@@ -115,10 +115,10 @@ bool HoleRoad()
     return right;
 }
 
-int RunDemo(cli::Context& context, const cli::Args& /*args*/)
+int RunDemo(cli::Context& context)
 {
     g_context = &context;
-    g_steps = &context.result.Child("steps", cli::Json::Array());
+    g_steps = &(context.result["steps"] = cli::Json::array());
 
     Step("1. The library is loaded: its load hook ran the initialisation sequence.");
     Step("   Default error log: " + std::to_string(YXErrorsLog_GetCount(nullptr)) + " entries, maximum 5.");
@@ -164,6 +164,18 @@ int RunDemo(cli::Context& context, const cli::Args& /*args*/)
     return placed ? 0 : 1;
 }
 
-const cli::Registration registration({"demo", "demo", "a walk through the library, step by step", RunDemo});
-
 } // namespace
+
+namespace cli {
+
+void AddDemoCommand(CLI::App& app, Context& context)
+{
+    CLI::App* command = app.add_subcommand("demo", "a walk through the library, step by step");
+    context.SetAction(command, [&context] { return RunDemo(context); });
+}
+
+} // namespace cli
+
+namespace {
+const cli::Registration registration("demo", cli::AddDemoCommand);
+}

@@ -7,6 +7,8 @@
 #include <map>
 #include <memory>
 #include <random>
+#include <string>
+#include <vector>
 
 #include "cli.h"
 
@@ -17,16 +19,13 @@ class ListedManager : public YXEfficientHoleManager {
 public:
     cli::Json List(const cli::Context& context) const
     {
-        cli::Json holes = cli::Json::Array();
+        cli::Json holes = cli::Json::array();
         for (std::int32_t i = 0; i < m_lNumberOfHoles; ++i) {
             const tagFILEHOLE& h = m_ppBlocks[i / 200][i % 200];
             const bool locked = (h.dwOffset & YXHOLE_LOCKED) != 0;
             const unsigned long offset = h.dwOffset & ~YXHOLE_LOCKED;
             context.Line("  %10lu  %10ld%s", offset, static_cast<long>(h.lSize), locked ? "  locked" : "");
-            holes.Push(cli::Json::Object())
-                .Set("offset", offset)
-                .Set("size", static_cast<long>(h.lSize))
-                .Set("locked", locked);
+            holes.push_back({{"offset", offset}, {"size", static_cast<long>(h.lSize)}, {"locked", locked}});
         }
         return holes;
     }
@@ -38,21 +37,8 @@ struct Options {
     unsigned long long seed = 1;
     unsigned long long footPrint = 0;
     unsigned long long maxSize = 4096;
+    std::vector<std::string> words;
 };
-
-const char kUsage[] =
-    "holes [--speed|--efficient] [--footprint N] simulate [--ops N] [--seed N] [--max-size N]\n"
-    "       holes [--speed|--efficient] [--footprint N] [OPERATION...]   (none: read them from standard input)\n"
-    "  add OFFSET SIZE     record a hole           lock OFFSET SIZE   record a locked hole\n"
-    "  best SIZE           ask for a hole          remove OFFSET SIZE take SIZE bytes off a hole\n"
-    "  alloc SIZE          best, then remove       truncate LENGTH    where the file can be cut\n"
-    "  is OFFSET           does a hole start there unlock OFFSET | unlockall\n"
-    "  footprint N | clear | show";
-
-int RunHoles(cli::Context& context, const cli::Args& args);
-const cli::Command kCommand{"holes", kUsage, "try the hole managers: a simulated host, or operations by hand",
-                            RunHoles};
-const cli::Registration registration(kCommand);
 
 std::unique_ptr<YXHoleManager> MakeManager(const Options& options)
 {
@@ -69,7 +55,8 @@ std::unique_ptr<YXHoleManager> MakeManager(const Options& options)
 void Totals(const cli::Context& context, cli::Json& out, YXHoleManager& m)
 {
     context.Line("holes: %ld, sum %lu", m.GetNumberOfHoles(), m.GetHolesSize());
-    out.Set("holes", m.GetNumberOfHoles()).Set("sum", m.GetHolesSize());
+    out["holes"] = m.GetNumberOfHoles();
+    out["sum"] = m.GetHolesSize();
 }
 
 // A host's file: blocks are allocated (best hole, else the end of the file), freed, and
@@ -141,29 +128,32 @@ int Simulate(cli::Context& context, const Options& options)
     context.Line("file length: %lu, live blocks: %zu, wasted: %.2f%%", fileLength, blocks.size(), wasted);
     context.Line("allocations from holes: %llu, truncations: %llu", fromHoles, truncations);
     context.Line("time: %.1f ns per operation", perOp);
-    context.result.Set("manager", options.efficient ? "efficient" : "speed")
-        .Set("file_length", fileLength)
-        .Set("blocks", static_cast<unsigned long long>(blocks.size()))
-        .Set("wasted_percent", wasted)
-        .Set("from_holes", fromHoles)
-        .Set("truncations", truncations)
-        .Set("ns_per_operation", perOp);
+    context.result["manager"] = options.efficient ? "efficient" : "speed";
+    context.result["file_length"] = fileLength;
+    context.result["blocks"] = blocks.size();
+    context.result["wasted_percent"] = wasted;
+    context.result["from_holes"] = fromHoles;
+    context.result["truncations"] = truncations;
+    context.result["ns_per_operation"] = perOp;
     return 0;
 }
 
 // One operation by hand; false when the words do not make one.
-bool Apply(cli::Context& context, YXHoleManager& m, const Options& options, const cli::Args& words, std::size_t& i,
-           cli::Json& steps)
+bool Apply(cli::Context& context, YXHoleManager& m, const Options& options, const std::vector<std::string>& words,
+           std::size_t& i, cli::Json& steps)
 {
     const std::string& op = words[i];
     unsigned long long a = 0;
     unsigned long long b = 0;
     const auto number = [&](std::size_t at, unsigned long long& value) {
-        return at < words.size() && cli::ParseNumber(words[at], value);
+        if (at >= words.size()) {
+            return false;
+        }
+        value = cli::Number(words[at], op);
+        return true;
     };
     auto* efficient = options.efficient ? static_cast<ListedManager*>(&m) : nullptr;
-    cli::Json& step = steps.Push(cli::Json::Object());
-    step.Set("op", op);
+    cli::Json& step = steps.emplace_back(cli::Json{{"op", op}});
     if ((op == "add" || op == "lock" || op == "remove") && number(i + 1, a) && number(i + 2, b)) {
         i += 2;
         if (op == "remove") {
@@ -171,8 +161,8 @@ bool Apply(cli::Context& context, YXHoleManager& m, const Options& options, cons
             if (rest != nullptr) {
                 context.Line("remove %llu %llu: rest (%lu, %ld)", a, b, static_cast<unsigned long>(rest->dwOffset),
                              static_cast<long>(rest->lSize));
-                step.Set("rest_offset", static_cast<unsigned long>(rest->dwOffset))
-                    .Set("rest_size", static_cast<long>(rest->lSize));
+                step["rest_offset"] = static_cast<unsigned long>(rest->dwOffset);
+                step["rest_size"] = static_cast<long>(rest->lSize);
             } else {
                 context.Line("remove %llu %llu: no rest", a, b);
             }
@@ -180,12 +170,12 @@ bool Apply(cli::Context& context, YXHoleManager& m, const Options& options, cons
             const unsigned long offset = static_cast<unsigned long>(a) | (op == "lock" ? YXHOLE_LOCKED : 0);
             const bool added = m.AddHole(offset, static_cast<long>(b));
             context.Line("%s %llu %llu: %s", op.c_str(), a, b, added ? "added" : "out of memory");
-            step.Set("added", added);
+            step["added"] = added;
         }
     } else if ((op == "best" || op == "alloc") && number(i + 1, a)) {
         ++i;
         const unsigned long offset = m.GetBestHole(static_cast<long>(a));
-        step.Set("offset", offset == YXHOLE_NONE ? cli::Json() : cli::Json(offset));
+        step["offset"] = offset == YXHOLE_NONE ? cli::Json() : cli::Json(offset);
         if (offset == YXHOLE_NONE) {
             context.Line("%s %llu: no hole takes it", op.c_str(), a);
         } else {
@@ -198,21 +188,21 @@ bool Apply(cli::Context& context, YXHoleManager& m, const Options& options, cons
     } else if (op == "truncate" && number(i + 1, a)) {
         ++i;
         const unsigned long offset = m.GetTruncateOffset(static_cast<unsigned long>(a));
-        step.Set("offset", offset == YXHOLE_NONE ? cli::Json() : cli::Json(offset));
+        step["offset"] = offset == YXHOLE_NONE ? cli::Json() : cli::Json(offset);
         context.Line(offset == YXHOLE_NONE ? "truncate %llu: no" : "truncate %llu: cut at %lu", a, offset);
     } else if (op == "is" && number(i + 1, a)) {
         ++i;
         const bool hole = m.IsHole(static_cast<unsigned long>(a));
-        step.Set("hole", hole);
+        step["hole"] = hole;
         context.Line("is %llu: %s", a, hole ? "a hole starts there" : "no");
     } else if (op == "unlock" && efficient != nullptr && number(i + 1, a)) {
         ++i;
         const bool unlocked = efficient->UnlockHole(static_cast<unsigned long>(a));
-        step.Set("unlocked", unlocked);
+        step["unlocked"] = unlocked;
         context.Line("unlock %llu: %s", a, unlocked ? "unlocked" : "no locked hole there");
     } else if (op == "unlockall" && efficient != nullptr) {
         const bool unlocked = efficient->UnlockAllHoles();
-        step.Set("unlocked", unlocked);
+        step["unlocked"] = unlocked;
         context.Line("unlockall: %s", unlocked ? "unlocked" : "none was locked");
     } else if (op == "footprint" && number(i + 1, a)) {
         ++i;
@@ -224,7 +214,7 @@ bool Apply(cli::Context& context, YXHoleManager& m, const Options& options, cons
     } else if (op == "show") {
         Totals(context, step, m);
         if (efficient != nullptr) {
-            step.Set("list", efficient->List(context));
+            step["list"] = efficient->List(context);
         }
     } else {
         return false;
@@ -232,52 +222,60 @@ bool Apply(cli::Context& context, YXHoleManager& m, const Options& options, cons
     return true;
 }
 
-int RunHoles(cli::Context& context, const cli::Args& args)
+int ByHand(cli::Context& context, const Options& options)
 {
-    Options options;
-    std::size_t i = 0;
-    for (; i < args.size(); ++i) {
-        if (args[i] == "--speed" || args[i] == "--efficient") {
-            options.efficient = args[i] == "--efficient";
-        } else if (args[i] == "--footprint" && i + 1 < args.size() &&
-                   cli::ParseNumber(args[i + 1], options.footPrint)) {
-            ++i;
-        } else {
-            break;
-        }
-    }
-    if (i < args.size() && args[i] == "simulate") {
-        for (++i; i < args.size(); i += 2) {
-            unsigned long long* target = args[i] == "--ops"        ? &options.ops
-                                         : args[i] == "--seed"     ? &options.seed
-                                         : args[i] == "--max-size" ? &options.maxSize
-                                                                   : nullptr;
-            if (target == nullptr || i + 1 >= args.size() || !cli::ParseNumber(args[i + 1], *target)) {
-                return cli::UsageError(kCommand, "cannot read '" + args[i] + "' here");
-            }
-        }
-        if (options.maxSize == 0) {
-            return cli::UsageError(kCommand, "--max-size must be at least 1");
-        }
-        return Simulate(context, options);
-    }
-    cli::Args words(args.begin() + static_cast<long>(i), args.end());
-    const bool fromInput = words.empty();
-    if (fromInput) {
+    std::vector<std::string> words = options.words;
+    if (words.empty()) {
         std::string word;
         while (std::cin >> word) {
             words.push_back(word);
         }
     }
     std::unique_ptr<YXHoleManager> m = MakeManager(options);
-    cli::Json& steps = context.result.Child("steps", cli::Json::Array());
+    cli::Json steps = cli::Json::array();
     for (std::size_t w = 0; w < words.size(); ++w) {
         if (!Apply(context, *m, options, words, w, steps)) {
-            return cli::UsageError(kCommand, "cannot read '" + words[w] + "' here");
+            throw cli::UsageError("OPERATION", "cannot read '" + words[w] + "' here");
         }
     }
+    context.result["steps"] = std::move(steps);
     Totals(context, context.result, *m);
     return 0;
 }
 
 } // namespace
+
+namespace cli {
+
+void AddHolesCommand(CLI::App& app, Context& context)
+{
+    CLI::App* command = app.add_subcommand("holes", "try the hole managers: a simulated host, or operations by hand");
+    auto options = std::make_shared<Options>();
+    CLI::Option* speed = command->add_flag("--speed", "the speed manager (the efficient one by default)");
+    command->add_flag("--efficient", "the efficient manager, which keeps its list in order")->excludes(speed);
+    command->add_option("--footprint", options->footPrint, "the hole foot print: smaller holes are not kept")
+        ->check(CLI::Range(0ULL, 0x7FFFFFFFULL));
+    command->add_option("OPERATION", options->words,
+                        "operations (none: read them from standard input): add OFFSET SIZE, lock OFFSET SIZE "
+                        "(a locked hole), best SIZE, alloc SIZE (best, then remove), remove OFFSET SIZE, "
+                        "truncate LENGTH, is OFFSET, unlock OFFSET, unlockall, footprint N, clear, show");
+    context.SetAction(command, [&context, options, speed] {
+        options->efficient = speed->count() == 0;
+        return ByHand(context, *options);
+    });
+
+    CLI::App* simulate = command->add_subcommand("simulate", "a host's allocator over a made-up workload");
+    simulate->add_option("--ops", options->ops, "the number of operations")->check(CLI::Range(0ULL, 1000000000000ULL));
+    simulate->add_option("--seed", options->seed, "the seed of the workload")->check(CLI::Range(0ULL, 0xFFFFFFFFULL));
+    simulate->add_option("--max-size", options->maxSize, "the largest block")->check(CLI::Range(1ULL, 0xFFFFFFFFULL));
+    context.SetAction(simulate, [&context, options, speed] {
+        options->efficient = speed->count() == 0;
+        return Simulate(context, *options);
+    });
+}
+
+} // namespace cli
+
+namespace {
+const cli::Registration registration("holes", cli::AddHolesCommand);
+}

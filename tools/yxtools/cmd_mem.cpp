@@ -2,54 +2,45 @@
 // command line.
 #include <yxtools/yxtools.h>
 
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli.h"
 
 namespace {
 
-const char kUsage[] = "mem pool [OPERATION...]   a buffer factory, where OPERATION is one of\n"
-                      "  limit N                  SetMaxBuffers(N): raises the limit above the buffer count\n"
-                      "  get SIZE                 asks for a buffer; buffers are numbered #1, #2... as made\n"
-                      "  release ID               gives buffer #ID back\n"
-                      "mem bits RANGE [OPERATION...]   a bit array, where OPERATION is one of\n"
-                      "  set K | clear K          one bit (ignored at or past the range)\n"
-                      "  fill 0|1                 every word, spare bits included\n"
-                      "  range N                  a new range: a shrink keeps the words";
-
-int RunMem(cli::Context& context, const cli::Args& args);
-
-const cli::Command kCommand{"mem", kUsage, "try the memory tools: a buffer factory's reuse, a bit array", RunMem};
-const cli::Registration registration(kCommand);
-
-bool NumberAfter(const cli::Args& args, std::size_t i, unsigned long long& value)
+// The operations as pairs of a word and a number.
+std::vector<std::pair<std::string, unsigned long long>> Pairs(const std::vector<std::string>& words)
 {
-    return i + 1 < args.size() && cli::ParseNumber(args[i + 1], value);
+    std::vector<std::pair<std::string, unsigned long long>> pairs;
+    for (std::size_t i = 0; i < words.size(); i += 2) {
+        if (i + 1 >= words.size()) {
+            throw cli::UsageError("OPERATION", "'" + words[i] + "' needs a number after it");
+        }
+        pairs.emplace_back(words[i], cli::Number(words[i + 1], words[i]));
+    }
+    return pairs;
 }
 
-int RunPool(cli::Context& context, const cli::Args& args)
+int RunPool(cli::Context& context, const std::vector<std::string>& words)
 {
     YXAutoBufferFactory factory;
     std::vector<YXAutoBuffer*> made; // buffer #n is made[n - 1]
     std::vector<YXAutoBuffer*> out;  // the caller's variable of each buffer, null when given back
-    cli::Json& steps = context.result.Child("steps", cli::Json::Array());
-    for (std::size_t i = 1; i < args.size(); i += 2) {
-        unsigned long long n = 0;
-        if (!NumberAfter(args, i, n)) {
-            return cli::UsageError(kCommand, "'" + args[i] + "' needs a number after it");
-        }
-        cli::Json& step = steps.Push(cli::Json::Object());
-        step.Set("op", args[i]).Set("value", n);
-        if (args[i] == "limit") {
+    cli::Json steps = cli::Json::array();
+    for (const auto& [op, n] : Pairs(words)) {
+        cli::Json& step = steps.emplace_back(cli::Json{{"op", op}, {"value", n}});
+        if (op == "limit") {
             factory.SetMaxBuffers(static_cast<unsigned short>(n));
             context.Line("limit %llu -> the limit is %u", n, factory.GetMaxBuffers());
-            step.Set("limit", factory.GetMaxBuffers());
-        } else if (args[i] == "get") {
+            step["limit"] = factory.GetMaxBuffers();
+        } else if (op == "get") {
             YXAutoBuffer* buffer = factory.GetAutoBuffer(static_cast<unsigned long>(n));
             if (buffer == nullptr) {
                 context.Line("get %llu -> none (the limit of %u buffers is reached)", n, factory.GetMaxBuffers());
-                step.Set("buffer", cli::Json());
+                step["buffer"] = nullptr;
                 continue;
             }
             std::size_t id = 0;
@@ -64,80 +55,71 @@ int RunPool(cli::Context& context, const cli::Args& args)
             out[id] = buffer;
             context.Line("get %llu -> buffer #%zu (%s), capacity %lu, size %lu", n, id + 1, reused ? "reused" : "new",
                          buffer->m_dwCapacity, buffer->m_dwSize);
-            step.Set("buffer", id + 1)
-                .Set("reused", reused)
-                .Set("capacity", buffer->m_dwCapacity)
-                .Set("size", buffer->m_dwSize);
-        } else if (args[i] == "release") {
+            step["buffer"] = id + 1;
+            step["reused"] = reused;
+            step["capacity"] = buffer->m_dwCapacity;
+            step["size"] = buffer->m_dwSize;
+        } else if (op == "release") {
             if (n == 0 || n > made.size() || out[n - 1] == nullptr) {
                 context.Line("release #%llu -> not out: nothing to give back", n);
-                step.Set("released", false);
+                step["released"] = false;
                 continue;
             }
             factory.ReleaseAutoBuffer(out[n - 1]);
             context.Line("release #%llu -> given back, first in line for the next get", n);
-            step.Set("released", true);
+            step["released"] = true;
         } else {
-            return cli::UsageError(kCommand, "cannot read '" + args[i] + "' here");
+            throw cli::UsageError("OPERATION", "cannot read '" + op + "' here");
         }
     }
-    cli::Json& buffers = context.result.Child("buffers", cli::Json::Array());
+    context.result["steps"] = std::move(steps);
+    cli::Json buffers = cli::Json::array();
     context.Line("buffers: %zu", made.size());
     for (std::size_t id = 0; id < made.size(); ++id) {
         const YXAutoBuffer* buffer = made[id];
         const bool inUse = out[id] != nullptr;
-        buffers.Push(cli::Json::Object())
-            .Set("buffer", id + 1)
-            .Set("capacity", buffer->m_dwCapacity)
-            .Set("size", buffer->m_dwSize)
-            .Set("inUse", inUse);
+        buffers.push_back(
+            {{"buffer", id + 1}, {"capacity", buffer->m_dwCapacity}, {"size", buffer->m_dwSize}, {"inUse", inUse}});
         context.Line("  #%zu capacity %lu, size %lu, %s", id + 1, buffer->m_dwCapacity, buffer->m_dwSize,
                      inUse ? "in use" : "free");
     }
+    context.result["buffers"] = std::move(buffers);
     return 0;
 }
 
-int RunBits(cli::Context& context, const cli::Args& args)
+int RunBits(cli::Context& context, unsigned long range, const std::vector<std::string>& operations)
 {
-    unsigned long long range = 0;
-    if (!NumberAfter(args, 0, range)) {
-        return cli::UsageError(kCommand, "bits needs a range");
-    }
-    YXBitArray bits(static_cast<unsigned long>(range));
-    for (std::size_t i = 2; i < args.size(); i += 2) {
-        unsigned long long n = 0;
-        if (!NumberAfter(args, i, n)) {
-            return cli::UsageError(kCommand, "'" + args[i] + "' needs a number after it");
-        }
+    YXBitArray bits(range);
+    for (const auto& [op, n] : Pairs(operations)) {
         const auto value = static_cast<unsigned long>(n);
-        if (args[i] == "set" || args[i] == "clear") {
-            bits.SetValue(value, args[i] == "set");
-        } else if (args[i] == "fill") {
+        if (op == "set" || op == "clear") {
+            bits.SetValue(value, op == "set");
+        } else if (op == "fill") {
             bits.SetValue(n != 0);
-        } else if (args[i] == "range") {
+        } else if (op == "range") {
             bits.SetRange(value);
         } else {
-            return cli::UsageError(kCommand, "cannot read '" + args[i] + "' here");
+            throw cli::UsageError("OPERATION", "cannot read '" + op + "' here");
         }
-        context.Line("%s %llu", args[i].c_str(), n);
+        context.Line("%s %llu", op.c_str(), n);
     }
     const unsigned long words = bits.IsOk() ? (bits.GetRange() >> 5) + 1 : 0;
     context.Line("range %lu, %lu words, any bit set: %s, byte size %lu", bits.GetRange(), words,
                  bits.IsOneSet() ? "yes" : "no", bits.GetByteSize());
-    cli::Json& wordList = context.result.Set("range", bits.GetRange())
-                              .Set("anySet", bits.IsOneSet())
-                              .Set("byteSize", bits.GetByteSize())
-                              .Child("words", cli::Json::Array());
+    context.result["range"] = bits.GetRange();
+    context.result["anySet"] = bits.IsOneSet();
+    context.result["byteSize"] = bits.GetByteSize();
+    cli::Json& wordList = context.result["words"] = cli::Json::array();
     for (unsigned long w = 0; w < words; ++w) {
         const unsigned long word = bits.GetBitArray()[w];
-        wordList.Push(word);
+        wordList.push_back(word);
         context.Line("  word %lu: 0x%08lX  bits %lu..%lu", w, word, w * 32, w * 32 + 31);
     }
     std::string set;
-    cli::Json& setList = context.result.Child("set", cli::Json::Array());
+    cli::Json& setList = context.result["set"] = cli::Json::array();
     for (unsigned long k = 0; k < bits.GetRange(); ++k) {
         if (bits[k]) {
-            setList.Push(k);
+            setList.push_back(k);
             set += (set.empty() ? "" : " ") + std::to_string(k);
         }
     }
@@ -145,15 +127,33 @@ int RunBits(cli::Context& context, const cli::Args& args)
     return 0;
 }
 
-int RunMem(cli::Context& context, const cli::Args& args)
+} // namespace
+
+namespace cli {
+
+void AddMemCommand(CLI::App& app, Context& context)
 {
-    if (!args.empty() && args[0] == "pool") {
-        return RunPool(context, args);
-    }
-    if (!args.empty() && args[0] == "bits") {
-        return RunBits(context, args);
-    }
-    return cli::UsageError(kCommand, "say pool or bits");
+    CLI::App* command = app.add_subcommand("mem", "try the memory tools: a buffer factory's reuse, a bit array");
+    command->require_subcommand(1);
+    auto words = std::make_shared<std::vector<std::string>>();
+
+    CLI::App* pool = command->add_subcommand("pool", "a buffer factory, driven by operations");
+    pool->add_option("OPERATION", *words,
+                     "limit N (SetMaxBuffers(N): raises the limit above the buffer count), get SIZE (asks for "
+                     "a buffer; buffers are numbered #1, #2... as made), release ID (gives buffer #ID back)");
+    context.SetAction(pool, [&context, words] { return RunPool(context, *words); });
+
+    auto range = std::make_shared<unsigned long>(0);
+    CLI::App* bits = command->add_subcommand("bits", "a bit array, driven by operations");
+    bits->add_option("RANGE", *range, "the number of bits")->required();
+    bits->add_option("OPERATION", *words,
+                     "set K | clear K (one bit, ignored at or past the range), fill 0|1 (every word, spare "
+                     "bits included), range N (a new range: a shrink keeps the words)");
+    context.SetAction(bits, [&context, range, words] { return RunBits(context, *range, *words); });
 }
 
-} // namespace
+} // namespace cli
+
+namespace {
+const cli::Registration registration("mem", cli::AddMemCommand);
+}

@@ -1,6 +1,7 @@
 // yxtools path: cuts paths into their components, tells their kind, and puts paths together.
 #include <yxtools/yxtools.h>
 
+#include <memory>
 #include <string>
 
 #include "cli.h"
@@ -10,26 +11,10 @@ namespace {
 const char* const kKindNames[] = {"none",   "file", "https",  "http", "ftp",      "news",
                                   "telnet", "wais", "mailto", "nntp", "prospero", "gopher"};
 
-const char kUsage[] = "path OPERATION ...  where OPERATION is one of\n"
-                      "  split PATH                        drive, directory, name, extension and kind\n"
-                      "  kind PATH                         the URL scheme the path starts with\n"
-                      "  make [--drive D] [--dir D] [--name N] [--ext E]\n"
-                      "                                    join the parts; a part left out is null, which\n"
-                      "                                    differs from an empty one ('--dir \"\"')\n"
-                      "  append PATH [ADDITION] [--trailing]\n"
-                      "                                    join with one `\\` at the joint; --trailing makes\n"
-                      "                                    the result end in `\\`\n"
-                      "  unc-check PATH                    whether the path begins with two backslashes";
-
-int RunPath(cli::Context& context, const cli::Args& args);
-
-const cli::Command kCommand{"path", kUsage, "split, kind, make, append and unc-check on paths", RunPath};
-const cli::Registration registration(kCommand);
-
 void ShowKind(cli::Context& context, YXPATHKIND kind)
 {
-    context.result.Set("kind", static_cast<int>(kind));
-    context.result.Set("kind_name", kKindNames[kind]);
+    context.result["kind"] = static_cast<int>(kind);
+    context.result["kind_name"] = kKindNames[kind];
     context.Line("kind:      %d (%s)", static_cast<int>(kind), kKindNames[kind]);
 }
 
@@ -42,8 +27,12 @@ int Split(cli::Context& context, const _SS<char>& path)
     YXPATHKIND kind = YXPATHKIND_NONE;
     YXPath::Split(path, &drive, &directory, &name, &extension, &kind);
     const char* route = path.size() < 255 ? "runtime" : "long";
-    context.result.Set("path", path).Set("route", route);
-    context.result.Set("drive", drive).Set("directory", directory).Set("name", name).Set("extension", extension);
+    cli::SetText(context.result, "path", path);
+    context.result["route"] = route;
+    cli::SetText(context.result, "drive", drive);
+    cli::SetText(context.result, "directory", directory);
+    cli::SetText(context.result, "name", name);
+    cli::SetText(context.result, "extension", extension);
     context.Line("path:      \"%s\" (%lu bytes, %s route)", path.c_str(), static_cast<unsigned long>(path.size()),
                  route);
     context.Line("drive:     \"%s\"", drive.c_str());
@@ -54,95 +43,123 @@ int Split(cli::Context& context, const _SS<char>& path)
     return 0;
 }
 
-int Make(cli::Context& context, const cli::Args& args)
+struct MakeInput {
+    std::string parts[4];
+    CLI::Option* options[4] = {};
+};
+
+int Make(cli::Context& context, const MakeInput& in)
 {
-    const char* const options[] = {"--drive", "--dir", "--name", "--ext"};
+    static const char* const kLabels[] = {"drive", "dir", "name", "ext"};
     _SS<char> parts[4];
     bool given[4] = {};
-    for (std::size_t i = 1; i < args.size(); i += 2) {
-        std::size_t which = 0;
-        while (which < 4 && args[i] != options[which]) {
-            ++which;
-        }
-        if (which == 4 || i + 1 >= args.size()) {
-            return cli::UsageError(kCommand, "make takes --drive, --dir, --name and --ext, each with a text");
-        }
-        parts[which] = args[i + 1].c_str();
-        given[which] = true;
+    for (int i = 0; i < 4; ++i) {
+        given[i] = in.options[i]->count() != 0;
+        parts[i] = in.parts[i].c_str();
     }
     const auto part = [&](int i) { return given[i] ? &parts[i] : nullptr; };
     _SS<char> output;
     const bool result = YXPath::Make(output, part(0), part(1), part(2), part(3));
-    cli::Json& inputs = context.result.Child("parts", cli::Json::Object());
+    cli::Json inputs = cli::Json::object();
     for (int i = 0; i < 4; ++i) {
-        const char* label = options[i] + 2;
-        inputs.Set(label, given[i] ? cli::Json(parts[i]) : cli::Json());
+        if (given[i]) {
+            cli::SetText(inputs, kLabels[i], parts[i]);
+        } else {
+            inputs[kLabels[i]] = nullptr;
+        }
         const std::string shown = given[i] ? "\"" + std::string(parts[i]) + "\"" : std::string("(null)");
-        context.Line("%-10s %s", (std::string(label) + ":").c_str(), shown.c_str());
+        context.Line("%-10s %s", (std::string(kLabels[i]) + ":").c_str(), shown.c_str());
     }
-    context.result.Set("output", output).Set("result", result);
+    context.result["parts"] = std::move(inputs);
+    cli::SetText(context.result, "output", output);
+    context.result["result"] = result;
     context.Line("output:    \"%s\"", output.c_str());
     context.Line("result:    %s", result ? "true" : "false");
     return 0;
 }
 
-int Append(cli::Context& context, const cli::Args& args)
-{
+struct AppendInput {
+    std::string path;
+    std::string addition;
+    CLI::Option* additionOption = nullptr;
     bool trailing = false;
-    cli::Args texts;
-    for (std::size_t i = 1; i < args.size(); ++i) {
-        if (args[i] == "--trailing") {
-            trailing = true;
-        } else {
-            texts.push_back(args[i]);
-        }
+};
+
+int Append(cli::Context& context, const AppendInput& in)
+{
+    const bool hasAddition = in.additionOption->count() != 0;
+    _SS<char> path(in.path.c_str());
+    const _SS<char> addition(in.addition.c_str());
+    cli::SetText(context.result, "path", path);
+    if (hasAddition) {
+        cli::SetText(context.result, "addition", addition);
+    } else {
+        context.result["addition"] = nullptr;
     }
-    if (texts.empty() || texts.size() > 2) {
-        return cli::UsageError(kCommand, "append takes a path and at most one addition");
-    }
-    _SS<char> path(texts[0].c_str());
-    const _SS<char> addition(texts.size() == 2 ? texts[1].c_str() : "");
-    context.result.Set("path", path);
-    context.result.Set("addition", texts.size() == 2 ? cli::Json(addition) : cli::Json());
-    context.result.Set("trailing", trailing);
+    context.result["trailing"] = in.trailing;
     context.Line("path:      \"%s\"", path.c_str());
-    context.Line("addition:  %s%s%s", texts.size() == 2 ? "\"" : "", texts.size() == 2 ? addition.c_str() : "(null)",
-                 texts.size() == 2 ? "\"" : "");
-    context.Line("trailing:  %s", trailing ? "true" : "false");
-    YXPath::Append(path, texts.size() == 2 ? &addition : nullptr, trailing);
-    context.result.Set("result", path);
+    context.Line("addition:  %s%s%s", hasAddition ? "\"" : "", hasAddition ? addition.c_str() : "(null)",
+                 hasAddition ? "\"" : "");
+    context.Line("trailing:  %s", in.trailing ? "true" : "false");
+    YXPath::Append(path, hasAddition ? &addition : nullptr, in.trailing);
+    cli::SetText(context.result, "result", path);
     context.Line("result:    \"%s\"", path.c_str());
     return 0;
 }
 
-int RunPath(cli::Context& context, const cli::Args& args)
+} // namespace
+
+namespace cli {
+
+void AddPathCommand(CLI::App& app, Context& context)
 {
-    const std::string operation = args.empty() ? std::string() : args[0];
-    if (operation == "make") {
-        return Make(context, args);
-    }
-    if (operation == "append") {
-        return Append(context, args);
-    }
-    if (args.size() != 2) {
-        return cli::UsageError(kCommand, "expected an operation and one path");
-    }
-    const _SS<char> path(args[1].c_str());
-    if (operation == "split") {
-        return Split(context, path);
-    }
-    if (operation == "kind") {
-        context.result.Set("path", path);
+    CLI::App* command = app.add_subcommand("path", "split, kind, make, append and unc-check on paths");
+    command->require_subcommand(1);
+
+    auto text = std::make_shared<std::string>();
+    CLI::App* split = command->add_subcommand("split", "drive, directory, name, extension and kind of a path");
+    context.AddText(split, "PATH", *text, "the path")->required();
+    context.SetAction(split, [&context, text] { return Split(context, text->c_str()); });
+
+    CLI::App* kind = command->add_subcommand("kind", "the URL scheme the path starts with");
+    context.AddText(kind, "PATH", *text, "the path")->required();
+    context.SetAction(kind, [&context, text] {
+        const _SS<char> path(text->c_str());
+        cli::SetText(context.result, "path", path);
         ShowKind(context, YXPath::GetPathProtocol(path));
         return 0;
-    }
-    if (operation == "unc-check") {
-        const bool unc = YXPath::IsUNCPath(path);
-        context.result.Set("path", path).Set("unc", unc);
-        context.Line("\"%s\" is %sa UNC path", path.c_str(), unc ? "" : "not ");
+    });
+
+    CLI::App* unc = command->add_subcommand("unc-check", "whether the path begins with two backslashes");
+    context.AddText(unc, "PATH", *text, "the path")->required();
+    context.SetAction(unc, [&context, text] {
+        const _SS<char> path(text->c_str());
+        const bool isUnc = YXPath::IsUNCPath(path);
+        cli::SetText(context.result, "path", path);
+        context.result["unc"] = isUnc;
+        context.Line("\"%s\" is %sa UNC path", path.c_str(), isUnc ? "" : "not ");
         return 0;
-    }
-    return cli::UsageError(kCommand, "unknown operation '" + operation + "'");
+    });
+
+    auto make = std::make_shared<MakeInput>();
+    CLI::App* makeApp = command->add_subcommand("make", "join the parts; a part left out is null, which differs "
+                                                        "from an empty one (--dir \"\")");
+    make->options[0] = context.AddText(makeApp, "--drive", make->parts[0], "the drive");
+    make->options[1] = context.AddText(makeApp, "--dir", make->parts[1], "the directory");
+    make->options[2] = context.AddText(makeApp, "--name", make->parts[2], "the name");
+    make->options[3] = context.AddText(makeApp, "--ext", make->parts[3], "the extension");
+    context.SetAction(makeApp, [&context, make] { return Make(context, *make); });
+
+    auto append = std::make_shared<AppendInput>();
+    CLI::App* appendApp = command->add_subcommand("append", "join with one \\ at the joint");
+    context.AddText(appendApp, "PATH", append->path, "the path")->required();
+    append->additionOption = context.AddText(appendApp, "ADDITION", append->addition, "what to append");
+    appendApp->add_flag("--trailing", append->trailing, "make the result end in \\");
+    context.SetAction(appendApp, [&context, append] { return Append(context, *append); });
 }
 
-} // namespace
+} // namespace cli
+
+namespace {
+const cli::Registration registration("path", cli::AddPathCommand);
+}

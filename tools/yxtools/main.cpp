@@ -1,7 +1,7 @@
 // yxtools: a host program for trying the YXTools library from the command line.
 #include <cstdio>
-#include <cstring>
 #include <string>
+#include <vector>
 
 #if defined(_WIN32)
 #include <io.h>
@@ -13,32 +13,6 @@
 
 namespace {
 
-void PrintHelp()
-{
-    std::printf("usage: yxtools [--json] COMMAND [ARGS...]\n\n"
-                "Tries the YXTools library from the command line. Output is plain text, or one JSON\n"
-                "document with --json.\n\ncommands:\n");
-    for (const auto& [name, command] : cli::Commands()) {
-        std::printf("  %-10s %s\n", name.c_str(), command.summary);
-    }
-    std::printf("\n'yxtools help COMMAND' shows a command's arguments.\n");
-}
-
-int Help(const cli::Args& args)
-{
-    if (args.empty()) {
-        PrintHelp();
-        return 0;
-    }
-    const auto it = cli::Commands().find(args[0]);
-    if (it == cli::Commands().end()) {
-        std::fprintf(stderr, "yxtools: unknown command '%s'\n", args[0].c_str());
-        return 2;
-    }
-    std::printf("usage: yxtools %s\n\n%s\n", it->second.usage, it->second.summary);
-    return 0;
-}
-
 bool StandardOutputIsTerminal()
 {
 #if defined(_WIN32)
@@ -48,39 +22,71 @@ bool StandardOutputIsTerminal()
 #endif
 }
 
+// yxtools help [COMMAND...]: the help of the program or of a command.
+void AddHelpCommand(CLI::App& app, cli::Context& context)
+{
+    CLI::App* help = app.add_subcommand("help", "the help of the program, or of a command ('help path split')");
+    auto words = std::make_shared<std::vector<std::string>>();
+    help->add_option("COMMAND", *words, "the command, and its sub-commands");
+    context.SetAction(help, [&app, words] {
+        const CLI::App* target = &app;
+        std::string parents;
+        for (const std::string& word : *words) {
+            const CLI::App* sub = nullptr;
+            try {
+                sub = target->get_subcommand(word);
+            } catch (const CLI::OptionNotFound&) {
+            }
+            if (sub == nullptr || word == "help") {
+                throw cli::UsageError("COMMAND", "no command '" + word + "' here");
+            }
+            parents += (parents.empty() ? "" : " ") + target->get_name();
+            target = sub;
+        }
+        std::printf("%s", target->help(parents).c_str());
+        return 0;
+    });
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     cli::Context context;
     context.interactive = StandardOutputIsTerminal();
-    cli::Args words;
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--json") == 0) {
-            context.json = true;
-        } else if (std::strcmp(argv[i], "--help") == 0 || std::strcmp(argv[i], "-h") == 0) {
-            words.insert(words.begin(), "help");
-        } else {
-            words.emplace_back(argv[i]);
+
+    CLI::App app("Tries the YXTools library from the command line. Output is plain text in the terminal's "
+                 "encoding, or one JSON document (UTF-8) with --json. Exit status: 0 done, 1 the library "
+                 "said no, 2 a usage error.",
+                 "yxtools");
+    // Options of the program are accepted before or after the command: a command passes what it does
+    // not know up to its parent.
+    app.fallthrough();
+    app.add_flag("--json", context.json, "write one JSON document instead of lines");
+    app.add_flag("--hex", context.hex,
+                 "text arguments are given as hex bytes in the ANSI code page (\"43 3A 5C\"), exactly as "
+                 "the library receives them");
+    app.require_subcommand(0, 1);
+    AddHelpCommand(app, context);
+    cli::AddCommands(app, context);
+
+    int status = 0;
+    try {
+        app.parse(argc, argv);
+        if (app.get_subcommands().empty()) {
+            std::printf("%s", app.help().c_str());
+            return 2;
         }
+        status = context.Run(app);
+    } catch (const CLI::ParseError& error) {
+        // --help is a request, everything else a usage error that names the argument.
+        return app.exit(error) == 0 ? 0 : 2;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "yxtools: %s\n", error.what());
+        return 1;
     }
-    if (words.empty()) {
-        PrintHelp();
-        return 2;
-    }
-    const std::string name = words.front();
-    const cli::Args args(words.begin() + 1, words.end());
-    if (name == "help") {
-        return Help(args);
-    }
-    const auto it = cli::Commands().find(name);
-    if (it == cli::Commands().end()) {
-        std::fprintf(stderr, "yxtools: unknown command '%s' (try 'yxtools --help')\n", name.c_str());
-        return 2;
-    }
-    const int status = it->second.run(context, args);
-    if (context.json && status == 0) {
-        std::printf("%s\n", context.result.Dump().c_str());
+    if (context.json) {
+        std::printf("%s\n", context.result.dump().c_str());
     }
     return status;
 }

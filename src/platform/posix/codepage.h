@@ -4,14 +4,12 @@
 
 #include <array>
 
+#include "platform/posix/localecodepage.h"
 #include "platform/posix/win32_posix.h"
 
 namespace yx::platform {
 
 using LeadByteTable = std::array<bool, 256>;
-
-// The ANSI code page of a POSIX locale name (language[_territory][.codeset][@modifier]).
-YX_PLATFORM UINT CodePageOfLocale(const char* name);
 
 // The lead bytes of a Windows code page; built once per code page and kept for the process.
 YX_PLATFORM const LeadByteTable& LeadBytes(UINT codePage);
