@@ -50,13 +50,15 @@ private:
         std::unique_lock<std::mutex> lock(m_lock);
         for (;;) {
             m_wake.wait(lock, [this] { return m_quit || m_task; });
-            if (m_task) {
-                m_task();
-                m_task = nullptr;
-                m_wake.notify_all();
-            } else {
+            if (!m_task) {
                 return;
             }
+            // The task runs without the runner's lock: it takes and keeps the locks under test.
+            lock.unlock();
+            m_task();
+            lock.lock();
+            m_task = nullptr;
+            m_wake.notify_all();
         }
     }
 

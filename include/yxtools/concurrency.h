@@ -116,7 +116,9 @@ public:
     YXThread();
     YXThread(const YXThread& other);
     YXThread& operator=(const YXThread& other);
-    // Asks the worker to stop, gives it the default time-out twice and then ends it.
+    // Asks the worker to stop, gives it the default time-out twice and then ends it. By then the
+    // derived class's part of the object is gone while its Process may still run: a derived class
+    // whose Process uses its own members stops the worker in its own destructor.
     virtual ~YXThread();
 
     // The work; its result is the thread's exit code. This one returns 0 at once.

@@ -71,8 +71,20 @@ inline bool Settles(const std::function<bool()>& done)
     return true;
 }
 
+// A first thread, started and joined once, so that helper threads a runtime starts with the
+// first thread of the process (ThreadSanitizer's) are there before anything is counted.
+inline bool FirstThreadStarted()
+{
+    static const bool started = [] {
+        std::thread([] {}).join();
+        return true;
+    }();
+    return started;
+}
+
 // The counts at its construction, to compare with at the end of a test.
 struct Snapshot {
+    bool ready = FirstThreadStarted();
     std::size_t threads = Threads();
     std::size_t handles = Handles();
     std::size_t descriptors = Descriptors();

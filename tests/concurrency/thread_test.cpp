@@ -144,6 +144,9 @@ TEST(Thread, SecondBeginOnARunningWorkerChangesNothing)
         EXPECT_TRUE(worker.AskForStop()); // stays until the next Begin
         EXPECT_TRUE(worker.Begin());
         EXPECT_FALSE(worker.AskForStop());
+        // Started: the worker's call of Process comes before the destructors, which change the
+        // object's virtual table on their way.
+        worker.WaitStarted();
     } // the destructor stops the second one
     EXPECT_TRUE(before.Restored());
 }
@@ -243,6 +246,10 @@ TEST(Thread, WorkerThatThrowsEndsWithExitCodeOneAndTheProcessGoesOn)
 
 TEST(Thread, SuspendStopsTheWorkerUntilResume)
 {
+#if defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "ThreadSanitizer holds signals back from a thread that makes no call, so the "
+                    "stand-in cannot park a spinning worker under it";
+#endif
     const census::Snapshot before;
     Worker worker(Kind::Spinning, 200);
     ASSERT_TRUE(worker.Begin());

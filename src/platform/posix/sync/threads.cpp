@@ -244,7 +244,16 @@ public:
             m_wake.notify_all();
             return TRUE;
         }
-        // A parked thread takes the signal inside the suspend handler and leaves from there.
+        // A parked thread is let out of the suspend handler first, and the terminate signal finds
+        // it outside: a jump out of nested handlers is what ThreadSanitizer cannot follow. It
+        // parks no more once it knows it is terminated.
+        if (m_parked.load()) {
+            m_resumed.store(true);
+            pthread_kill(m_thread, ResumeSignal());
+            while (m_parked.load() && !m_ended) {
+                m_wake.wait_for(lock, std::chrono::microseconds(200));
+            }
+        }
         pthread_kill(m_thread, TerminateSignal());
         return TRUE;
     }
@@ -281,7 +290,7 @@ public:
     // Called in the suspend signal's handler on the thread itself: parks until resumed.
     void Park()
     {
-        if (m_over.load()) {
+        if (m_over.load() || m_terminating.load()) {
             return; // the thread is ending: it is too late to stop it
         }
         m_parked.store(true);
@@ -289,7 +298,7 @@ public:
         sigset_t mask;
         pthread_sigmask(SIG_SETMASK, nullptr, &mask);
         sigdelset(&mask, ResumeSignal());
-        while (!m_resumed.load()) {
+        while (!m_resumed.load() && !m_terminating.load()) {
             sigsuspend(&mask);
         }
         m_parked.store(false);
