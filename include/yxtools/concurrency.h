@@ -47,7 +47,7 @@ public:
 //
 // Copies: a copy holds a duplicate handle of the source's mutex, so both objects lock the same
 // mutex, each closes its own handle once, and the mutex goes with the last of them. An assignment
-// duplicates the source's handle before it closes its own (self-assignment included). A mutex's
+// duplicates the source's handle before it closes its own; self-assignment changes nothing. A mutex's
 // owner is a thread, not an object, so a lock taken through one copy is released through either.
 class YXTOOLS_API YXMutex : public YXSyncObject {
 public:

@@ -103,7 +103,10 @@ YXMutex::YXMutex(const YXMutex& other) : YXSyncObject(other), m_hMutex(Duplicate
 
 YXMutex& YXMutex::operator=(const YXMutex& other)
 {
-    HANDLE copy = Duplicate(other.m_hMutex); // before this object's handle goes: other may be *this
+    if (this == &other) {
+        return *this;
+    }
+    HANDLE copy = Duplicate(other.m_hMutex); // before this object's handle goes
     if (m_hMutex != nullptr) {
         CloseHandle(m_hMutex);
     }
