@@ -14,10 +14,6 @@
 
 namespace {
 
-// An entry's texts passed by reference to the entry itself, on a full log where that entry is the
-// one evicted: off until the fix of that case is merged.
-constexpr bool kTextsOfTheEvictedEntry = false;
-
 struct Entry {
     std::string source, description;
     std::uint32_t flags;
@@ -93,8 +89,13 @@ public:
             Notify(slot);
             break;
         case 4: {
-            const std::uint32_t max = m_in.Byte() < 240 ? m_in.Below(8) : m_in.U32();
-            YXErrorsLog_SetMaxEntries(max, slot == 0 ? nullptr : &Manager(slot));
+            // The maximum is 32 bits wide: of a wider unsigned long only the low 32 bits count.
+            unsigned long wide = m_in.Byte() < 240 ? m_in.Below(8) : m_in.U32();
+            if (sizeof(unsigned long) > 4 && m_in.Byte() >= 128) {
+                wide = static_cast<unsigned long>(static_cast<std::uint64_t>(wide) | (std::uint64_t{1} << 32U));
+            }
+            const auto max = static_cast<std::uint32_t>(wide);
+            YXErrorsLog_SetMaxEntries(wide, slot == 0 ? nullptr : &Manager(slot));
             if (max != 0) {
                 while (model.entries.size() > max) {
                     model.entries.pop_front();
@@ -158,14 +159,8 @@ private:
             keep = std::make_unique<_SS<char>>();
             return *keep;
         }
-        const _SS<char>& text = kind == 2 ? entry->GetSource() : entry->GetDescription();
-        const YXErrorsLogManager& target = Manager(slot);
-        const bool oldest = &from == &target && entry == target.GetItem(target.GetCount() - 1);
-        if (oldest && !kTextsOfTheEvictedEntry) {
-            keep = std::make_unique<_SS<char>>(text);
-            return *keep;
-        }
-        return text;
+        // By reference: on a full log it may be the text of the entry that the addition evicts.
+        return kind == 2 ? entry->GetSource() : entry->GetDescription();
     }
 
     void Add(unsigned slot)

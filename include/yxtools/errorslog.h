@@ -38,7 +38,8 @@ typedef void (*YXErrorsLogOnChangeProc)(YXErrorsLogManager& manager);
 
 class YXTOOLS_API YXErrorsLogManager {
 public:
-    // The maximum is stored as given; see Add for a maximum of 0.
+    // The maximum is stored as given, in 32 bits: where unsigned long is wider, only its low 32
+    // bits count. See Add for a maximum of 0.
     explicit YXErrorsLogManager(unsigned long maxEntries = 5);
     // Deep copies, change procedure included; neither notifies.
     YXErrorsLogManager(const YXErrorsLogManager& other);
@@ -51,7 +52,8 @@ public:
     void SetLogFileName(const _SS<char>& name);
     // Always empty.
     const _SS<char>& GetLogFilePath() const;
-    // 0 is ignored; otherwise evicts the oldest entries down to the new maximum, without notice.
+    // 0 is ignored (taken in 32 bits, as in the constructor); otherwise evicts the oldest entries
+    // down to the new maximum, without notice.
     void SetMaxEntries(unsigned long maxEntries);
     unsigned long GetCount() const;
     // Appends an entry and notifies; false, with nothing changed, when both texts equal the

@@ -8,7 +8,8 @@
 #include "yxtools/config.h"
 
 // A byte container. Its fields are read directly by callers; the library exports none of its
-// operations, and Reserve and Assign serve the library's own classes.
+// operations. Reserve and Assign are the library's own, private to it and its entries: a host has
+// nothing of this class to link.
 class YXAutoBuffer {
 public:
     explicit YXAutoBuffer(unsigned long initialSize = 100) : m_dwInitialSize(initialSize) {}
@@ -16,21 +17,26 @@ public:
     YXAutoBuffer(const YXAutoBuffer&) = delete;
     YXAutoBuffer& operator=(const YXAutoBuffer&) = delete;
 
-    // Makes room for dwSize bytes and keeps the bytes in use. A buffer without a block gets
-    // exactly dwSize; otherwise the capacity doubles until it reaches dwSize. False when the block
-    // cannot be allocated, and then the buffer is as it was.
-    bool Reserve(unsigned long dwSize);
-    // Copies the bytes in use of `source`. A buffer without a block first reserves
-    // m_dwInitialSize; a source larger than the capacity makes the block exactly its size. False
-    // when a block cannot be allocated: the buffer is then empty (size 0) and keeps the block and
-    // capacity it has, so its capacity never claims bytes it does not have.
-    bool Assign(const YXAutoBuffer& source);
-
     unsigned long m_dwCapacity = 0; // bytes allocated at m_pData
     unsigned long m_dwSize = 0;     // bytes in use, never above the capacity
     unsigned char* m_pData = nullptr;
     bool m_bOwner = true; // the block is released with the entry that holds the buffer
     unsigned long m_dwInitialSize;
+
+private:
+    friend class YXAutoBufferEntry;
+    friend struct YXAutoBufferAccess; // the library's tests
+
+    // Makes room for dwSize bytes and keeps the bytes in use. A buffer without a block gets
+    // exactly dwSize; otherwise the capacity doubles until it reaches dwSize. False when the block
+    // cannot be allocated, and then the buffer is as it was.
+    bool Reserve(unsigned long dwSize);
+    // Copies the bytes in use of `source`. A buffer without a block first reserves
+    // m_dwInitialSize, also when the source is this buffer; a source larger than the capacity
+    // makes the block exactly its size. False when a block cannot be allocated: the buffer is then
+    // empty (size 0) and keeps the block and capacity it has, so its capacity never claims bytes
+    // it does not have.
+    bool Assign(const YXAutoBuffer& source);
 };
 
 // One slot of a factory's pool. Copies are deep: they copy the bytes in use into a block of

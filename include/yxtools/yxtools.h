@@ -8,6 +8,8 @@
 #include "yxtools/frame.h"
 #include "yxtools/errorslog.h"
 #include "yxtools/logfile.h"
+#include "yxtools/trace.h"
+#include "yxtools/registry.h"
 #include "yxtools/nameprovider.h"
 #include "yxtools/calendar.h"
 #include "yxtools/path.h"

@@ -124,10 +124,16 @@ bool YXErrorsLogManager::Add(const _SS<char>& source, const _SS<char>& descripti
     // A log made with a maximum of 0 behaves as one of maximum 1: it keeps the newest entry.
     // Evicting nothing would let it grow without bound, evicting everything would lose the entry
     // that was just reported.
+    //
+    // The evicted entry leaves the list first but lives until the new one is built: the texts
+    // given may be its own (a host that copies the oldest entry into a new one). When building
+    // fails, it stays evicted all the same.
+    std::list<YXErrorLogEntry> evicted;
     if (m_Entries.size() >= m_dwMaxEntries && !m_Entries.empty()) {
-        m_Entries.pop_front();
+        evicted.splice(evicted.end(), m_Entries, m_Entries.begin());
     }
     m_Entries.emplace_back(source, description, flags);
+    evicted.clear();
     NotifyChanged();
     return true;
 }

@@ -24,6 +24,22 @@ bool StatMode(const _SS<char>& path, unsigned short& mode)
 
 constexpr unsigned long kChunk = 0x500000;
 
+// The length of a path's part up to and including its last separator, read character by character
+// in the ANSI code page: the trail byte of a double-byte character is never a separator, even when
+// it is 0x5C or 0x2F.
+std::size_t DirectoryEnd(const char* path)
+{
+    std::size_t end = 0;
+    for (std::size_t i = 0; path[i] != '\0'; ++i) {
+        if (path[i] == '\\' || path[i] == '/') {
+            end = i + 1;
+        } else if (IsDBCSLeadByte(static_cast<BYTE>(path[i])) != FALSE && path[i + 1] != '\0') {
+            ++i;
+        }
+    }
+    return end;
+}
+
 } // namespace
 
 bool File_Exist(const _SS<char>& path)
@@ -87,17 +103,22 @@ bool File_IsDriveReadOnly(const _SS<char>& path)
     char drive[3] = {};
     char directory[256] = {};
     char probe[260] = {};
-    // A directory that does not leave room for the probe's name in the runtime's buffers is
-    // answered as read-only, without touching anything: no file can be made there by this
-    // probe. The split is then not asked for when its buffers would not hold the directory.
     static const char kName[] = "$$$$$$$$";
     static const char kExtension[] = ".$$$";
-    const std::size_t lastSeparator = path.find_last_of("\\/");
-    if (lastSeparator != _SS<char>::npos && lastSeparator + 1 >= sizeof(directory)) {
+    // Only the drive and the directory go to the split: a name at the end of the path plays no
+    // part, whatever its length and whatever double-byte characters it holds.
+    const char* text = path.c_str();
+    const std::size_t driveLength = text[0] != '\0' && text[1] == ':' ? 2 : 0;
+    const std::size_t directoryEnd = DirectoryEnd(text);
+    // A directory that does not fit the runtime's 256-byte buffer, or a probe path that does not
+    // fit in 259 bytes, is answered as read-only without touching anything: no file can be made
+    // there by this probe.
+    if (directoryEnd > driveLength && directoryEnd - driveLength >= sizeof(directory)) {
         return true;
     }
-    _splitpath(path.c_str(), drive, directory, nullptr, nullptr);
-    if (std::strlen(drive) + std::strlen(directory) + 1 + sizeof(kName) - 1 + sizeof(kExtension) - 1 >= sizeof(probe)) {
+    const _SS<char> head(text, directoryEnd > driveLength ? directoryEnd : driveLength);
+    _splitpath(head.c_str(), drive, directory, nullptr, nullptr);
+    if (std::strlen(drive) + std::strlen(directory) + sizeof(kName) - 1 + sizeof(kExtension) - 1 >= sizeof(probe)) {
         return true;
     }
     _makepath(probe, drive, directory, kName, kExtension);

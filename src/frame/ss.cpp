@@ -30,18 +30,22 @@ _SS<char>& _SS<char>::FormatV(const char* format, va_list args)
     if (FormatIntoStack<256>(*this, format, args) || FormatIntoStack<512>(*this, format, args)) {
         return *this;
     }
+    // The longer attempts format into a string of their own, which then takes this one's place:
+    // an argument may be this string's own text, which a resize here would free before it is read.
+    _SS<char> attempt;
     for (const std::size_t size : kHeapAttempts) {
-        resize(size);
+        attempt.resize(size);
         va_list copy;
         va_copy(copy, args);
-        const int length = _vsnprintf(&(*this)[0], size - 1, format, copy);
+        const int length = _vsnprintf(&attempt[0], size - 1, format, copy);
         va_end(copy);
         if (length >= 0) {
-            resize(static_cast<std::size_t>(length));
-            return *this;
+            attempt.resize(static_cast<std::size_t>(length));
+            break;
         }
     }
-    // Every attempt was too small: the string keeps the last one, 8704 characters followed by
+    // When every attempt was too small, the string is the last one: 8704 characters followed by
     // the zero byte of the resize.
+    swap(attempt);
     return *this;
 }

@@ -433,9 +433,13 @@ unsigned long YXEfficientHoleManager::GetBestHole(long lSize)
     }
     const auto size = static_cast<std::int32_t>(lSize);
     OptimizeHoles();
-    // Exact fit, else the largest hole.
+    // Exact fit, else the largest hole. The count is read after the merge pass, which can empty
+    // the list (holes of size 0 at one offset merge and are dropped) and release its blocks.
     if (const tagFILEHOLE* exact = RetrieveHoleBySize(size)) {
         return exact->dwOffset;
+    }
+    if (m_lNumberOfHoles == 0) {
+        return kNoOffset;
     }
     const tagFILEHOLE& largest = HoleAt(m_ppBlocks, m_lNumberOfHoles - 1);
     return yxholes::LeavesFootPrint(largest.lSize, size, m_lFootPrint) ? largest.dwOffset : kNoOffset;
@@ -476,13 +480,16 @@ bool YXEfficientHoleManager::UnlockHole(unsigned long dwOffset)
 bool YXEfficientHoleManager::UnlockAllHoles()
 {
     EnsureOrder(YXHOLESORT_OFFSET);
-    // In offset order the locked holes are the tail of the list.
+    // Every hole is looked at: the locked holes are not always the tail of the offset order. A
+    // partial removal of more than an unlocked hole holds can carry its start past bit 31 without
+    // moving it, and the order is then still taken to hold.
     bool unlocked = false;
     tagFFHOLE pos{};
-    for (tagFILEHOLE* hole = GetLastHole(pos); hole != nullptr && (hole->dwOffset & kLockBit) != 0;
-         hole = GetPreviousHole(pos)) {
-        hole->dwOffset &= ~kLockBit;
-        unlocked = true;
+    for (tagFILEHOLE* hole = GetFirstHole(pos); hole != nullptr; hole = GetNextHole(pos)) {
+        if ((hole->dwOffset & kLockBit) != 0) {
+            hole->dwOffset &= ~kLockBit;
+            unlocked = true;
+        }
     }
     if (unlocked) {
         m_wSortKey = YXHOLESORT_NONE;

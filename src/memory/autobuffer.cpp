@@ -33,14 +33,14 @@ bool YXAutoBuffer::Reserve(unsigned long dwSize)
 
 bool YXAutoBuffer::Assign(const YXAutoBuffer& source)
 {
-    if (&source == this) {
-        return true;
-    }
-    // Step one reserves the initial size even for an empty source; its failure leaves the buffer
-    // as empty as it was.
+    // Step one reserves the initial size even for an empty source, and for the buffer itself as
+    // the source; its failure leaves the buffer as empty as it was.
     if (m_dwCapacity == 0 && !Reserve(m_dwInitialSize)) {
         m_dwSize = 0;
         return false;
+    }
+    if (&source == this) {
+        return true; // the bytes are already in place
     }
     if (source.m_dwSize == 0) {
         m_dwSize = 0;

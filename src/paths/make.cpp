@@ -29,22 +29,24 @@ void YXPath::Append(_SS<char>& path, const _SS<char>* pAddition, bool bTrailing)
 bool YXPath::Make(_SS<char>& output, const _SS<char>* pDrive, const _SS<char>* pDirectory, const _SS<char>* pName,
                   const _SS<char>* pExtension)
 {
-    // The pointers decide, not the texts: an empty drive or directory still asks for a `\`.
+    // The pointers decide, not the texts: an empty drive or directory still asks for a `\`. The
+    // path is built apart and then takes the output's place, so that an input may be the output.
     const bool trailing = pDrive != nullptr || pDirectory != nullptr;
-    output.clear();
+    _SS<char> made;
     if (pDrive != nullptr) {
-        output = *pDrive;
+        made = *pDrive;
     }
-    Append(output, pDirectory, trailing);
+    Append(made, pDirectory, trailing);
     if (pName != nullptr) {
-        output.append(*pName);
+        made.append(*pName);
     }
     if (pExtension != nullptr) {
         // An empty extension has its terminator for a first byte, so it adds a lone dot.
         if (pExtension->empty() || pExtension->front() != '.') {
-            output.push_back('.');
+            made.push_back('.');
         }
-        output.append(*pExtension);
+        made.append(*pExtension);
     }
+    output.swap(made);
     return !output.empty();
 }

@@ -44,6 +44,13 @@ void Assign(_SS<char>* out, const char* begin, std::size_t length)
     }
 }
 
+// Whether the path is one of the out-arguments: its text is then read from a copy.
+bool Receives(const _SS<char>& path, const _SS<char>* pDrive, const _SS<char>* pDirectory, const _SS<char>* pName,
+              const _SS<char>* pExtension)
+{
+    return pDrive == &path || pDirectory == &path || pName == &path || pExtension == &path;
+}
+
 } // namespace
 
 YXPath::YXPath(const _SS<char>* pText)
@@ -76,6 +83,12 @@ YXPATHKIND YXPath::GetPathProtocol(const _SS<char>& path)
 bool YXPath::Split(const _SS<char>& path, _SS<char>* pDrive, _SS<char>* pDirectory, _SS<char>* pName,
                    _SS<char>* pExtension, YXPATHKIND* pKind)
 {
+    // An out-argument may be the path itself: the split then reads a copy, which the assignments
+    // of the components leave alone, and the kind is that of the path as given.
+    if (Receives(path, pDrive, pDirectory, pName, pExtension)) {
+        const _SS<char> copy(path); // NOLINT(performance-unnecessary-copy-initialization): the outputs overwrite path
+        return Split(copy, pDrive, pDirectory, pName, pExtension, pKind);
+    }
     bool result = true;
     if (path.size() < kLongPath) {
         char drive[_MAX_DRIVE];
@@ -99,6 +112,11 @@ bool YXPath::Split(const _SS<char>& path, _SS<char>* pDrive, _SS<char>* pDirecto
 bool YXPath::SlowSplit(const _SS<char>& path, _SS<char>* pDrive, _SS<char>* pDirectory, _SS<char>* pName,
                        _SS<char>* pExtension)
 {
+    // A derived class may call this route with the path as an out-argument too.
+    if (Receives(path, pDrive, pDirectory, pName, pExtension)) {
+        const _SS<char> copy(path); // NOLINT(performance-unnecessary-copy-initialization): the outputs overwrite path
+        return SlowSplit(copy, pDrive, pDirectory, pName, pExtension);
+    }
     char drive[_MAX_DRIVE];
     _splitpath(path.c_str(), drive, nullptr, nullptr, nullptr);
     const std::size_t driveLength = std::strlen(drive);

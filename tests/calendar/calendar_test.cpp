@@ -146,6 +146,29 @@ TEST(CalendarDateTime, ValuesAndTheirFieldsBothWays)
     EXPECT_EQ(TimeOf(-std::numeric_limits<double>::infinity()), DateOf(std::numeric_limits<std::int32_t>::min()));
 }
 
+// The terms are added second, minute, hour, then the day number, each step in double: any other
+// order gives another last bit for these times.
+TEST(CalendarDateTime, TermsAddInTheirOrder)
+{
+    const struct {
+        Ymd date;
+        int hour;
+        int minute;
+        int second;
+        double value;
+    } cases[] = {
+        {{1582, 10, 15}, 1, 1, 2, 0x1.5b363bec474d0p-5},
+        {{1582, 10, 16}, 1, 1, 59, 0x1.0b04ee2cc0a9fp+0},
+        {{1582, 10, 16}, 0, 1, 4, 0x1.00308b91419cap+0},
+        {{2000, 2, 29}, 0, 1, 1, 0x1.29bd801722834p+17},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(YXDate_DateToGregorianTime(MakeDateTime(c.date, c.hour, c.minute, c.second)), c.value)
+            << c.date.year << "-" << c.date.month << "-" << c.date.day << " " << c.hour << ":" << c.minute << ":"
+            << c.second;
+    }
+}
+
 // Every second of a day goes to a value and back: the same instant or one second less, never
 // another date. Near day 0, where a value holds its fraction to many more places, a whole minute
 // can come back as second 60 of the minute before; at the day numbers of the present it cannot.

@@ -126,12 +126,54 @@ TEST_F(ErrorsLog, CopiesAreDeepAndKeepTheProcedure)
 
     YXErrorsLogManager assigned;
     assigned = log;
-    AddAll(assigned, {"3", "4"}); // the maximum of 3 came along
+    g_counts.clear();
+    AddAll(assigned, {"3", "4"}); // the maximum of 3 and the procedure came along
+    EXPECT_EQ(g_counts, (std::vector<unsigned long>{3, 3}));
     EXPECT_EQ(Descriptions(assigned), (Texts{"4", "3", "2"}));
     EXPECT_EQ(Descriptions(log), (Texts{"2", "1"}));
     const YXErrorsLogManager& self = assigned;
     assigned = self;
     EXPECT_EQ(assigned.GetCount(), 3u);
+}
+
+// A host that copies the oldest entry's texts into a new entry on a full log: the texts are read
+// before that entry is evicted. Long texts live on the heap, where a freed block is reused at once.
+TEST_F(ErrorsLog, FullLogTakesTheTextsOfTheEntryItEvicts)
+{
+    const std::string source(100, 's');
+    const std::string description(300, 'd');
+    YXErrorsLogManager log(2);
+    log.Add(source, description, 0);
+    log.Add("newer", "entry", 0);
+    for (int round = 0; round < 3; ++round) {
+        const YXErrorLogEntry* oldest = log.GetItem(1);
+        ASSERT_TRUE(log.Add(oldest->GetSource(), oldest->GetDescription(), 4));
+        EXPECT_EQ(log.GetCount(), 2u);
+        EXPECT_EQ(std::string(log.GetLast()->GetSource()), round % 2 == 0 ? source : "newer");
+        EXPECT_EQ(std::string(log.GetLast()->GetDescription()), round % 2 == 0 ? description : "entry");
+    }
+}
+
+// The maximum is 32 bits wide on both builds, as on Windows: where unsigned long is wider, a
+// maximum is cut to its low 32 bits, so 2^32 is a maximum of 0 and 2^32 + 2 one of 2.
+TEST_F(ErrorsLog, MaximumIsThirtyTwoBitsWide)
+{
+    // 2^32 where unsigned long has 64 bits; 1 where it has 32.
+    const unsigned long wide = (~0UL >> 31 >> 1) + 1;
+    if (wide == 1) {
+        GTEST_SKIP() << "unsigned long is 32 bits wide here: no wider maximum can be passed";
+    }
+    YXErrorsLogManager log(wide + 2);
+    AddAll(log, {"1", "2", "3"});
+    EXPECT_EQ(Descriptions(log), (Texts{"3", "2"}));
+    log.SetMaxEntries(wide); // a maximum of 0: ignored
+    AddAll(log, {"4"});
+    EXPECT_EQ(Descriptions(log), (Texts{"4", "3"}));
+    log.SetMaxEntries(wide + 1);
+    EXPECT_EQ(Descriptions(log), (Texts{"4"}));
+    YXErrorsLogManager zero(wide); // as a maximum of 0, which keeps one entry
+    AddAll(zero, {"1", "2"});
+    EXPECT_EQ(Descriptions(zero), (Texts{"2"}));
 }
 
 TEST_F(ErrorsLog, FlatReadersLeaveOutputsAloneOnFalse)

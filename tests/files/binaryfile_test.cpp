@@ -27,8 +27,10 @@ TEST(BinaryFile, AClosedObjectRefusesEveryCallWithCode3)
     EXPECT_TRUE(failsWith3(!file.Truncate()));
     EXPECT_TRUE(failsWith3(!file.IsEof()));
     EXPECT_EQ(file.GetLastError(), 0u); // cleared by the last GetLastError(true)
+    EXPECT_FALSE(file.Flush());         // no test of its own, and no code: 0 stays 0
+    EXPECT_EQ(file.GetLastError(), 0u);
     file.Close();
-    EXPECT_FALSE(file.Flush()); // no test of its own, and no code
+    EXPECT_FALSE(file.Flush()); // and 3 stays 3
     EXPECT_EQ(file.GetLastError(false), 3u);
     EXPECT_EQ(file.GetLastError(), 3u);
 }
@@ -160,6 +162,10 @@ TEST(BinaryFile, CopiesShareOneHandle)
     YXBinaryFile other;
     other = file;
     EXPECT_EQ(other.GetLastError(), 7u);
+    // The platform refuses to close the handle again: code 6, and the object stays open.
+    EXPECT_FALSE(file.Close());
+    EXPECT_EQ(file.GetLastError(), 6u);
+    EXPECT_EQ(file.GetHandle(), other.GetHandle());
 }
 
 TEST(IsOpenable, Reasons)
@@ -182,6 +188,8 @@ TEST(IsOpenable, Reasons)
         {folder["d"], YXFILE_READ | YXFILE_CREATE, false, 5, false},
         {folder["ro"], kReadWrite, false, 3, false},
         {folder["ro"], YXFILE_READ, true, 0, false},
+        {folder["ro"], YXFILE_READ | YXFILE_CREATE, true, 0, false}, // the create bit asks for no writing
+        {folder["ro"], kReadWrite | YXFILE_CREATE, false, 3, false},
         {folder["missing"], YXFILE_READ, false, 1, false},
         {folder["missing"], kReadWrite | YXFILE_CREATE, true, 0, true},
         {folder["no-folder\\missing"], kReadWrite | YXFILE_CREATE, false, 7, false},

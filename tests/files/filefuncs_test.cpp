@@ -6,6 +6,10 @@
 
 #include "support/scratch.h"
 
+#if !defined(_WIN32)
+#include <sys/stat.h>
+#endif
+
 namespace {
 
 TEST(FileChangeFileExtension, Table)
@@ -70,6 +74,25 @@ TEST(FileQuestions, ModesAccessAndKinds)
     EXPECT_EQ(error, ENOENT);
 }
 
+// A FIFO is no file the library may open: its questions answer at once, never waiting for a writer.
+TEST(FileQuestions, AFifoNeverBlocks)
+{
+#if defined(_WIN32)
+    GTEST_SKIP() << "a Windows host has no FIFO to make";
+#else
+    const scratch::Folder folder;
+    const scratch::DescriptorGuard guard;
+    ASSERT_EQ(::mkfifo(folder.Native("pipe").c_str(), 0666), 0);
+    unsigned short reason = 0;
+    EXPECT_FALSE(File_IsOpenable(folder["pipe"], 0x01, &reason));
+    EXPECT_FALSE(File_IsOpenable(folder["PIPE"], 0x02, &reason));
+    EXPECT_FALSE(File_CopyFile(folder["pipe"], folder["copy"]));
+    EXPECT_FALSE(File_Exist(folder["copy"]));
+    EXPECT_TRUE(File_Exist(folder["Pipe"]));
+    EXPECT_TRUE(File_DeleteFile(folder["pipe"]));
+#endif
+}
+
 TEST(FileIsDriveReadOnly, ProbesAndLeavesNoProbeBehind)
 {
     const scratch::Folder folder;
@@ -81,6 +104,22 @@ TEST(FileIsDriveReadOnly, ProbesAndLeavesNoProbeBehind)
     EXPECT_TRUE(File_IsDriveReadOnly(folder["missing\\"])); // any failure answers true
     // A directory too long for the probe's name: answered read-only, nothing touched.
     EXPECT_TRUE(File_IsDriveReadOnly(folder.Root() + std::string(250, 'a') + "\\"));
+}
+
+// The probe's path may take up all 259 bytes that its buffer holds for text; one byte more and the
+// directory is answered as read-only without a probe.
+TEST(FileIsDriveReadOnly, ProbePathUpToTheBufferFull)
+{
+    const scratch::Folder folder;
+    const scratch::DescriptorGuard guard;
+    const std::size_t probeName = std::string("$$$$$$$$.$$$").size();
+    for (const std::size_t probeLength : {258u, 259u, 260u}) {
+        // the folder, a subfolder and its separator, then the probe's name
+        const std::string sub(probeLength - folder.Root().size() - 1 - probeName, 's');
+        scratch::fs::create_directory(folder.Native(sub));
+        EXPECT_EQ(File_IsDriveReadOnly(folder[sub + "\\"]), probeLength >= 260) << probeLength;
+        EXPECT_TRUE(scratch::fs::is_empty(folder.Native(sub))) << probeLength;
+    }
 }
 
 TEST(FileOperations, DeleteRenameAndTemp)
@@ -145,6 +184,8 @@ TEST(FileCopyFile, FailuresChangeNothingAndLeaveNoTarget)
     EXPECT_FALSE(File_CopyFile(writeOnly, folder["copy"]));
     EXPECT_FALSE(folder.Exists("copy"));
     EXPECT_EQ(writeOnly.GetLastError(), 4u);
+    EXPECT_FALSE(File_CopyFile(writeOnly, to)); // and the target is closed all the same
+    EXPECT_FALSE(to.IsOpen());
 }
 
 } // namespace

@@ -88,3 +88,33 @@ TEST(FilesFinder, CopiesStartTheirOwnSearch)
 }
 
 } // namespace
+
+namespace {
+
+// The finder meets folders and names as Windows does: without case, a folder name with a trailing
+// dot, a pattern whose `?` takes one character.
+TEST(FilesFinder, FoldersAndPatternsMatchWithoutCase)
+{
+    const scratch::Folder folder;
+    const scratch::DescriptorGuard guard;
+    scratch::fs::create_directory(folder.Native("Data"));
+    folder.Write("Data/held.txt", "");
+    folder.Write("Data/hold.log", "");
+    const std::string upper = folder["DATA\\"];
+    const struct {
+        std::string folder;
+        std::string pattern;
+        std::set<std::string> found;
+    } cases[] = {
+        {upper, "HELD.*", {upper + "held.txt"}},
+        {folder["data.\\"], "h?l?.*", {folder["data.\\held.txt"], folder["data.\\hold.log"]}},
+        {folder["data\\..\\DATA\\"], "*.LOG", {folder["data\\..\\DATA\\hold.log"]}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.folder + " + " + c.pattern);
+        YXFilesFinder finder(c.folder, c.pattern);
+        EXPECT_EQ(All(finder), c.found);
+    }
+}
+
+} // namespace

@@ -82,4 +82,16 @@ TEST(SSFormat, ArgumentsAreReadAgainForEachAttempt)
     EXPECT_EQ(s, text + "|42|end");
 }
 
+// The string's own text as an argument: each attempt reads it as it stood when Format was called,
+// also the attempts that format straight into the string's storage.
+TEST(SSFormat, OwnTextAsArgument)
+{
+    for (const std::size_t n : {10u, 300u, 600u, 3000u, 5000u, 9000u}) {
+        _SS<char> s(n, 'o');
+        s.Format("<%s|%s>", s.c_str(), "end");
+        const std::string expected = "<" + std::string(n, 'o') + "|end>";
+        EXPECT_EQ(std::string(s.c_str()), expected.substr(0, 8704)) << n;
+    }
+}
+
 } // namespace

@@ -7,6 +7,7 @@
 #include <random>
 #include <vector>
 
+#include "holes_model.h"
 #include "holes_test_util.h"
 
 namespace {
@@ -22,42 +23,27 @@ std::vector<tagFILEHOLE> SortedByOffset(std::vector<tagFILEHOLE> holes)
     return holes;
 }
 
-// A view into the list, for checking every invariant after each call.
-class EfficientView : public YXEfficientHoleManager {
+// A view into the list, for checking every invariant after each call, and whether no two
+// unlocked holes touch while the manager says so.
+class EfficientView : public holes_model::EfficientView {
 public:
-    // The holes in list order.
-    std::vector<tagFILEHOLE> Holes() const
+    // The same list, counters, memory and state as the model.
+    ::testing::AssertionResult Matches(const holes_model::EfficientModel& model) const
     {
-        std::vector<tagFILEHOLE> out;
-        for (std::int32_t i = 0; i < m_lNumberOfHoles; ++i) {
-            out.push_back(m_ppBlocks[i / 200][i % 200]);
-        }
-        return out;
+        const std::string broken = Against(model);
+        HOLES_REQUIRE(broken.empty()) << ": " << broken;
+        return Check();
     }
-    std::int32_t TableSize() const { return m_lBlockTableSize; }
-    std::int32_t BlocksHeld() const { return m_lBlockTableSize - m_wFreeTableEntries; }
 
-    // Every invariant that holds after a public call.
     ::testing::AssertionResult Check() const
     {
-        const std::int32_t blocks = BlocksHeld();
-        for (std::int32_t i = 0; i < m_lBlockTableSize; ++i) {
-            HOLES_REQUIRE((m_ppBlocks[i] != nullptr) == (i < blocks)) << " at entry " << i;
-        }
-        HOLES_REQUIRE(m_lFreeEntries == 200 * blocks - m_lNumberOfHoles && m_lFreeEntries < 200);
-        HOLES_REQUIRE(m_lNumberOfHoles > 0 || (m_ppBlocks == nullptr && m_lBlockTableSize == 0));
-        HOLES_REQUIRE(m_ppBlocks == nullptr || (m_lBlockTableSize % 20 == 0 && m_lBlockTableSize > blocks));
+        const std::string broken = Invariants();
+        HOLES_REQUIRE(broken.empty()) << ": " << broken;
         const std::vector<tagFILEHOLE> holes = Holes();
-        std::uint32_t sum = 0;
-        for (std::size_t i = 0; i < holes.size(); ++i) {
-            sum += static_cast<std::uint32_t>(holes[i].lSize);
-            const tagFILEHOLE& a = i > 0 ? holes[i - 1] : holes[i];
-            const tagFILEHOLE& b = holes[i];
-            HOLES_REQUIRE(m_wSortKey != YXHOLESORT_OFFSET || a.dwOffset <= b.dwOffset) << " " << a << b;
-            HOLES_REQUIRE(m_wSortKey != YXHOLESORT_SIZE || a.lSize <= b.lSize) << " " << a << b;
-            HOLES_REQUIRE(m_wSortKey != YXHOLESORT_SIZE_DESC || a.lSize >= b.lSize) << " " << a << b;
+        for (std::size_t i = 1; i < holes.size(); ++i) {
+            HOLES_REQUIRE(m_wSortKey != YXHOLESORT_OFFSET || holes[i - 1].dwOffset <= holes[i].dwOffset)
+                << " " << holes[i - 1] << holes[i];
         }
-        HOLES_REQUIRE(sum == m_dwHolesSize);
         const std::vector<tagFILEHOLE> sorted = m_bOptimized ? SortedByOffset(holes) : std::vector<tagFILEHOLE>();
         for (std::size_t i = 1; i < sorted.size(); ++i) {
             const tagFILEHOLE& a = sorted[i - 1];
@@ -115,9 +101,13 @@ TEST(EfficientHoleManager, MergePassesOverEveryAddingOrder)
         do {
             EfficientView m;
             AddAll(m, order);
-            m.GetBestHole(1000000);
+            holes_model::EfficientModel ref;
+            for (const tagFILEHOLE& h : order) {
+                ref.AddHole(h.dwOffset, h.lSize);
+            }
+            EXPECT_EQ(m.GetBestHole(1000000), ref.GetBestHole(1000000));
             EXPECT_EQ(SortedByOffset(m.Holes()), c.after) << c.added.size() << " holes";
-            EXPECT_TRUE(m.Check());
+            EXPECT_TRUE(m.Matches(ref)) << c.added.size() << " holes"; // and in the same places
         } while (std::next_permutation(order.begin(), order.end(), ByOffset));
     }
 }
@@ -132,6 +122,46 @@ TEST(EfficientHoleManager, AmongEqualHolesTheSortDecides)
     EXPECT_EQ(m.Holes(), (std::vector<tagFILEHOLE>{{10, 5}, {30, 5}, {20, 5}}));
 }
 
+// A merge pass can leave no hole at all: the questions that run it then answer as on an empty
+// list, and the manager holds no memory.
+TEST(EfficientHoleManager, QuestionsAfterAMergeThatLeavesNoHole)
+{
+    const struct {
+        const char* question;
+        unsigned long (*ask)(EfficientView&);
+    } questions[] = {
+        {"GetBestHole(5)", [](EfficientView& m) { return m.GetBestHole(5); }},
+        {"GetBestHole(0)", [](EfficientView& m) { return m.GetBestHole(0); }},
+        {"GetTruncateOffset(100)", [](EfficientView& m) { return m.GetTruncateOffset(100); }},
+    };
+    for (const auto& q : questions) {
+        EfficientView m;
+        AddAll(m, {{100, 0}, {100, 0}});
+        EXPECT_EQ(q.ask(m), kNone) << q.question;
+        EXPECT_EQ(m.GetNumberOfHoles(), 0) << q.question;
+        EXPECT_EQ(m.TableSize(), 0) << q.question;
+        EXPECT_TRUE(m.Check()) << q.question;
+        EXPECT_TRUE(m.AddHole(7, 3));
+        EXPECT_EQ(m.GetBestHole(3), 7u) << q.question;
+    }
+}
+
+// A partial removal of more than a hole holds moves its start past bit 31 in place, while the
+// offset order is still taken to hold: UnlockAllHoles clears the bit there too.
+TEST(EfficientHoleManager, UnlockAllHolesReachesEveryLockedHole)
+{
+    EfficientView m;
+    AddAll(m, {{100, 50}, {1000, 50}});
+    ASSERT_TRUE(m.IsHole(100)); // offset order
+    const tagFILEHOLE* rest = m.RemoveHole(100, 0x7FFFFFF0L);
+    ASSERT_NE(rest, nullptr);
+    EXPECT_EQ(rest->dwOffset, 0x80000054u);
+    EXPECT_TRUE(m.UnlockAllHoles());
+    EXPECT_EQ(m.Holes(), (std::vector<tagFILEHOLE>{{0x54, 50 - 0x7FFFFFF0}, {1000, 50}}));
+    EXPECT_FALSE(m.UnlockAllHoles());
+    EXPECT_TRUE(m.Check());
+}
+
 // Only the start of a hole is a hole; a locked one is found with or without its bit.
 TEST(EfficientHoleManager, HolesAreFoundByTheirStart)
 {
@@ -141,6 +171,47 @@ TEST(EfficientHoleManager, HolesAreFoundByTheirStart)
     EXPECT_FALSE(m.IsHole(120));
     EXPECT_TRUE(m.IsHole(300) && m.IsHole(300 | kLock));
     EXPECT_EQ(m.GetHolesSize(), 70u);
+}
+
+// A hole at X and a locked hole at X | bit 31: the number as given is looked up first, so each
+// is reached by its own number, whole or in part.
+TEST(EfficientHoleManager, RemoveHoleBesideItsLockedTwin)
+{
+    const struct {
+        std::uint32_t offset;
+        std::int32_t size;
+        tagFILEHOLE record; // {0, 0} for null
+        std::vector<tagFILEHOLE> after;
+    } cases[] = {
+        {100, 0, {0, 0}, {{100 | kLock, 20}}},
+        {100 | kLock, 0, {0, 0}, {{100, 10}}},
+        {100, 4, {104, 6}, {{104, 6}, {100 | kLock, 20}}},
+        {100 | kLock, 5, {105, 15}, {{100, 10}, {105, 15}}},
+    };
+    for (const auto& c : cases) {
+        EfficientView m;
+        AddAll(m, {{100 | kLock, 20}, {100, 10}});
+        const tagFILEHOLE* record = m.RemoveHole(c.offset, c.size);
+        EXPECT_EQ((record != nullptr ? *record : tagFILEHOLE{0, 0}), c.record) << c.offset << " " << c.size;
+        EXPECT_EQ(SortedByOffset(m.Holes()), c.after) << c.offset << " " << c.size;
+        EXPECT_TRUE(m.Check());
+    }
+}
+
+// A merge pass that frees several blocks' worth of entries releases every surplus block.
+TEST(EfficientHoleManager, MergeReleasesEverySurplusBlock)
+{
+    for (const std::uint32_t count : {400u, 401u, 1000u}) {
+        EfficientView m;
+        for (std::uint32_t i = 0; i + 1 < count; ++i) {
+            ASSERT_TRUE(m.AddHole(i * 10, 10)); // one chain
+        }
+        ASSERT_TRUE(m.AddHole(count * 10 + 5, 10)); // and a hole apart
+        EXPECT_EQ(m.GetBestHole(10), count * 10 + 5);
+        EXPECT_EQ(m.GetNumberOfHoles(), 2);
+        EXPECT_EQ(m.BlocksHeld(), 1) << count;
+        EXPECT_TRUE(m.Check());
+    }
 }
 
 TEST(EfficientHoleManager, BlocksAndTableFollowTheCount)
@@ -176,11 +247,13 @@ TEST(EfficientHoleManager, ListStopsAtTheTableLimit)
     EXPECT_TRUE(m.AddHole(1, 1));
 }
 
-// A host's file, allocated and freed at random through the manager, against a plain list of
-// its holes. Every invariant is checked after every call.
+// A host's file, allocated and freed at random through the manager and through the model side
+// by side: every answer, every record handed out and the whole list, in order, must be
+// the same after each call. Sizes from a narrow range make many equal holes, so the sort's steps
+// and the search's probes decide which of them is met, on lists of several blocks.
 class HostModel {
 public:
-    explicit HostModel(std::uint32_t seed) : m_rng(seed) {}
+    HostModel(std::uint32_t seed, unsigned sizes) : m_rng(seed), m_sizes(sizes) {}
 
     std::size_t most = 0; // the most holes held at once
 
@@ -190,120 +263,119 @@ public:
             const unsigned op = Next(100);
             if (op < ((step / 3000) % 2 == 0 ? 55U : 25U)) { // the file grows, then shrinks, in turn
                 Allocate();
-            } else if (op < 80 && !m_used.empty()) { // a block freed, now and then locked
+            } else if (op < 78 && !m_used.empty()) { // a block freed, now and then locked
                 const auto block = std::next(m_used.begin(), Next(static_cast<unsigned>(m_used.size())));
-                m_holes.push_back({block->first | (Next(10) == 0 ? kLock : 0), block->second});
-                ASSERT_TRUE(m_manager.AddHole(m_holes.back().dwOffset, m_holes.back().lSize));
+                const std::uint32_t offset = block->first | (Next(10) == 0 ? kLock : 0);
+                ASSERT_TRUE(m_manager.AddHole(offset, block->second));
+                m_ref.AddHole(offset, block->second);
                 m_used.erase(block);
-            } else if (op < 86) {
+            } else if (op < 84) {
                 Truncate();
-            } else if (op < 97 && !m_holes.empty()) {
-                tagFILEHOLE& h = Any();
-                ASSERT_EQ(m_manager.UnlockHole(h.dwOffset & ~kLock), (h.dwOffset & kLock) != 0);
-                h.dwOffset &= ~kLock;
+            } else if (op < 88 && !m_ref.list.empty()) { // part of a hole, or all of it, taken back
+                const tagFILEHOLE h = Any();
+                const auto size = static_cast<std::int32_t>(Next(static_cast<unsigned>(h.lSize) + 1));
+                const std::uint32_t offset = Next(2) == 0 ? h.dwOffset : h.dwOffset & ~kLock;
+                ASSERT_EQ(m_manager.IndexOf(m_manager.RemoveHole(offset, size)), m_ref.RemoveHole(offset, size));
+                m_used[h.dwOffset & ~kLock] = size == 0 ? h.lSize : size;
+            } else if (op < 91) {
+                const std::uint32_t offset =
+                    m_ref.list.empty() || Next(2) == 0 ? Next(m_fileLength + 1) : Any().dwOffset;
+                ASSERT_EQ(m_manager.IsHole(offset), m_ref.IsHole(offset)) << offset;
+            } else if (op < 93) {
+                const auto key = static_cast<unsigned short>(Next(5));
+                m_manager.SortHoles(key);
+                m_ref.SortHoles(key);
+            } else if (op < 96 && !m_ref.list.empty()) {
+                const std::uint32_t offset = Any().dwOffset & ~kLock;
+                ASSERT_EQ(m_manager.UnlockHole(offset), m_ref.UnlockHole(offset));
             } else if (op == 97) {
-                m_manager.SetHoleFootPrint(static_cast<long>(Next(16)));
+                const auto footPrint = static_cast<std::int32_t>(Next(16));
+                m_manager.SetHoleFootPrint(footPrint);
+                m_ref.footPrint = footPrint;
             } else if (op == 98) {
-                bool locked = false;
-                for (tagFILEHOLE& h : m_holes) {
-                    locked = locked || (h.dwOffset & kLock) != 0;
-                    h.dwOffset &= ~kLock;
-                }
-                ASSERT_EQ(m_manager.UnlockAllHoles(), locked);
+                ASSERT_EQ(m_manager.UnlockAllHoles(), m_ref.UnlockAllHoles());
             } else if (op == 99 && Next(20) == 0) {
                 m_manager.ClearHoleList(); // the host forgets its holes; the file keeps its length
-                m_holes.clear();
+                m_ref.ClearHoleList();
             }
-            ASSERT_TRUE(m_manager.Check()) << "step " << step;
-            ASSERT_EQ(SortedByOffset(m_manager.Holes()), SortedByOffset(m_holes)) << "step " << step;
-            most = std::max(most, m_holes.size());
+            ASSERT_TRUE(m_manager.Matches(m_ref)) << "step " << step;
+            most = std::max(most, m_ref.list.size());
         }
     }
 
 private:
     unsigned Next(unsigned n) { return static_cast<unsigned>(m_rng() % n); }
-    tagFILEHOLE& Any() { return m_holes[Next(static_cast<unsigned>(m_holes.size()))]; }
-    std::vector<tagFILEHOLE>::iterator Find(std::uint32_t offset)
-    {
-        return std::find_if(m_holes.begin(), m_holes.end(), [=](const tagFILEHOLE& h) { return h.dwOffset == offset; });
-    }
+    const tagFILEHOLE& Any() { return m_ref.list[Next(static_cast<unsigned>(m_ref.list.size()))]; }
 
-    // The merge pass, on the plain list.
-    void Merge()
-    {
-        std::vector<tagFILEHOLE> merged;
-        for (const tagFILEHOLE& h : SortedByOffset(m_holes)) {
-            if (!merged.empty() && ((merged.back().dwOffset | h.dwOffset) & kLock) == 0 &&
-                merged.back().dwOffset + std::uint32_t(merged.back().lSize) == h.dwOffset) {
-                merged.back().lSize += h.lSize;
-            } else {
-                merged.push_back(h);
-            }
-        }
-        m_holes = merged;
-    }
-
-    // An exact fit, else the largest hole if it leaves the foot print, else the end of the file.
     void Allocate()
     {
-        const auto size = static_cast<std::int32_t>(1 + Next(Next(4) == 0 ? 400 : 40));
+        const auto size = static_cast<std::int32_t>(1 + Next(Next(4) == 0 ? 400 : m_sizes));
         const unsigned long answer = m_manager.GetBestHole(size);
-        Merge();
-        std::int32_t largest = -1;
-        bool exact = false;
-        for (const tagFILEHOLE& h : m_holes) {
-            largest = std::max(largest, h.lSize);
-            exact = exact || h.lSize == size;
-        }
+        ASSERT_EQ(answer, m_ref.GetBestHole(size)) << "request " << size;
         if (answer == kNone) {
-            ASSERT_FALSE(exact || largest >= size + m_manager.GetHoleFootPrint()) << "request " << size;
             m_used[m_fileLength] = size;
             m_fileLength += static_cast<std::uint32_t>(size);
             return;
         }
-        const auto hole = Find(static_cast<std::uint32_t>(answer));
-        ASSERT_NE(hole, m_holes.end()) << "answer " << answer << " is no hole";
-        ASSERT_EQ(hole->lSize, exact ? size : largest) << "request " << size;
-        const tagFILEHOLE* rest = m_manager.RemoveHole(answer, size);
-        m_used[hole->dwOffset & ~kLock] = size;
-        *hole = {(hole->dwOffset & ~kLock) + static_cast<std::uint32_t>(size), hole->lSize - size};
-        ASSERT_EQ(rest == nullptr, hole->lSize == 0);
-        if (rest == nullptr) {
-            m_holes.erase(hole);
-        } else {
-            ASSERT_EQ(*rest, *hole);
-        }
+        const auto offset = static_cast<std::uint32_t>(answer);
+        ASSERT_EQ(m_manager.IndexOf(m_manager.RemoveHole(offset, size)), m_ref.RemoveHole(offset, size));
+        m_used[offset & ~kLock] = size;
     }
 
     void Truncate()
     {
         const unsigned long answer = m_manager.GetTruncateOffset(m_fileLength);
-        Merge();
-        const auto last = std::max_element(m_holes.begin(), m_holes.end(), ByOffset);
-        if (last == m_holes.end() || last->dwOffset + std::uint32_t(last->lSize) != m_fileLength) {
-            ASSERT_EQ(answer, kNone);
-            return;
+        ASSERT_EQ(answer, m_ref.GetTruncateOffset(m_fileLength));
+        if (answer != kNone) {
+            ASSERT_EQ(m_manager.RemoveHole(answer, 0), nullptr);
+            ASSERT_EQ(m_ref.RemoveHole(static_cast<std::uint32_t>(answer), 0), -1);
+            m_fileLength = static_cast<std::uint32_t>(answer);
         }
-        ASSERT_EQ(answer, last->dwOffset);
-        ASSERT_EQ(m_manager.RemoveHole(answer, 0), nullptr);
-        m_fileLength = last->dwOffset;
-        m_holes.erase(last);
     }
 
     std::mt19937 m_rng;
+    unsigned m_sizes;
     EfficientView m_manager;
-    std::vector<tagFILEHOLE> m_holes;
+    holes_model::EfficientModel m_ref;
     std::map<std::uint32_t, std::int32_t> m_used; // allocated blocks by offset
     std::uint32_t m_fileLength = 0;
 };
 
-TEST(EfficientHoleManager, RandomHostAgainstAPlainList)
+TEST(EfficientHoleManager, RandomHostAgainstTheModel)
 {
-    for (const std::uint32_t seed : {1U, 2U}) {
-        HostModel model(seed);
+    const struct {
+        std::uint32_t seed;
+        unsigned sizes;
+    } runs[] = {{1, 40}, {2, 40}, {3, 4}, {4, 2}};
+    for (const auto& run : runs) {
+        HostModel model(run.seed, run.sizes);
         model.Run(9000);
         EXPECT_GT(model.most, 200u) << "the run should cross a block boundary";
-        ASSERT_FALSE(HasFailure()) << "seed " << seed;
+        ASSERT_FALSE(HasFailure()) << "seed " << run.seed;
+    }
+}
+
+// Lists of equal holes across blocks: the hole an exact fit meets is the one the sort's steps and
+// the search's probes lead to.
+TEST(EfficientHoleManager, AmongEqualHolesAcrossBlocks)
+{
+    for (const std::uint32_t count : {201u, 399u, 400u, 401u, 1000u}) {
+        for (const std::uint32_t kinds : {1u, 3u}) {
+            EfficientView m;
+            holes_model::EfficientModel ref;
+            for (std::uint32_t i = 0; i < count; ++i) {
+                const std::uint32_t offset = (i * 7919U) % count * 10U; // apart, out of order
+                const auto size = static_cast<std::int32_t>(1 + i % kinds);
+                ASSERT_TRUE(m.AddHole(offset, size));
+                ref.AddHole(offset, size);
+            }
+            for (const std::int32_t size : {1, 2, 3, 1}) {
+                ASSERT_EQ(m.GetBestHole(size), ref.GetBestHole(size)) << count << " holes, size " << size;
+                const auto offset = static_cast<std::uint32_t>(ref.GetBestHole(size));
+                ASSERT_EQ(m.IndexOf(m.RemoveHole(offset, 1)), ref.RemoveHole(offset, 1));
+                ASSERT_TRUE(m.Matches(ref)) << count << " holes, size " << size;
+            }
+        }
     }
 }
 

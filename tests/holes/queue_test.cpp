@@ -4,29 +4,27 @@
 #include <cstdint>
 #include <memory>
 #include <random>
-#include <set>
 #include <utility>
 #include <vector>
 
+#include "holes_model.h"
 #include "holes_test_util.h"
 
 namespace {
 
 // A view into the heap, for checking handles and order after each call.
-class QueueView : public YXPriorityQueue {
+class QueueView : public holes_model::QueueView {
 public:
-    using YXPriorityQueue::YXPriorityQueue;
+    using holes_model::QueueView::QueueView;
     std::int32_t Size() const { return m_lSize; }
     const tagPQCELL& Cell(std::int32_t i) const { return m_pCells[i]; }
 
-    // Heap order, handles equal to indices, and the last-cell pointer.
-    ::testing::AssertionResult Check() const
+    // The same cells in the same places as the model, every handle variable as the model has it,
+    // and the heap's invariants.
+    ::testing::AssertionResult Matches(const holes_model::QueueModel& model, const std::vector<long*>& handles) const
     {
-        HOLES_REQUIRE(m_lSize == 0 || m_pLast == m_pCells + m_lSize);
-        for (std::int32_t i = 1; i <= m_lSize; ++i) {
-            HOLES_REQUIRE(i == 1 || m_pCells[i].lValue >= m_pCells[i / 2].lValue) << " at cell " << i;
-            HOLES_REQUIRE(m_pCells[i].plIndex == nullptr || *m_pCells[i].plIndex == i) << " at cell " << i;
-        }
+        const std::string broken = Invariants(*this) + Against(*this, model, handles);
+        HOLES_REQUIRE(broken.empty()) << ": " << broken;
         return ::testing::AssertionSuccess();
     }
 };
@@ -55,73 +53,89 @@ TEST(PriorityQueue, IncrementOfZeroOrLessRefusesEveryCell)
     }
 }
 
-// Long random sequences of every operation against a sorted set, with heap order and every
-// handle checked after each call. Some cells have no handle; some values are the 32-bit extremes,
-// the smallest being the sentinel's own.
-TEST(PriorityQueue, RandomOperationsKeepHandlesAndOrder)
+// A sinking cell stops at a child of equal value and goes on past a smaller one; of two equal
+// children the right one rises. The head of a heap built from the values (cell i holds data i)
+// gets a larger value and sinks.
+TEST(PriorityQueue, SinkingWalkAmongEqualValues)
+{
+    const struct {
+        const char* what;
+        std::vector<long> values;
+        long sink;
+        std::vector<unsigned long> after; // data by place, from cell 1
+    } cases[] = {
+        {"lone child equal", {0, 5}, 5, {0, 1}},
+        {"left child equal and the smaller", {0, 5, 9}, 5, {0, 1, 2}},
+        {"right child equal and the smaller", {0, 6, 5}, 5, {0, 1, 2}},
+        {"two equal children below it", {0, 4, 4}, 5, {2, 1, 0}},
+        {"grandchild equal", {0, 4, 9, 6, 7}, 6, {1, 0, 2, 3, 4}},
+        {"every child smaller", {0, 4, 9, 6, 7}, 8, {1, 3, 2, 0, 4}},
+    };
+    for (const auto& c : cases) {
+        QueueView q(10);
+        for (std::size_t i = 0; i < c.values.size(); ++i) {
+            ASSERT_TRUE(q.AddValue(c.values[i], static_cast<unsigned long>(i), nullptr));
+        }
+        q.ChangeValue(1, c.sink);
+        std::vector<unsigned long> after;
+        for (std::int32_t i = 1; i <= q.Size(); ++i) {
+            after.push_back(q.Cell(i).dwData);
+        }
+        EXPECT_EQ(after, c.after) << c.what;
+    }
+}
+
+// Long random sequences of every operation against the model: the same cells in the same places
+// after each call, and every handle variable as the model has it, those of cells gone included. Some cells have no
+// handle; values come from a narrow range, so that ties are frequent, and some are the 32-bit extremes, the smallest
+// being the sentinel's own.
+TEST(PriorityQueue, RandomOperationsAgainstTheModel)
 {
     for (const std::uint32_t seed : {11U, 12U, 13U}) {
         std::mt19937 rng(seed);
         const auto draw = [&rng](std::size_t n) { return static_cast<std::size_t>(rng() % n); };
         QueueView q(7);
-        std::vector<std::unique_ptr<long>> handles;          // one per cell ever added: they must stay put
-        std::multiset<std::pair<long, unsigned long>> model; // (value, cell id)
-        std::vector<unsigned long> live;                     // ids of the cells in the queue with a handle
-        const auto add = [&](long value, bool withHandle) {
-            handles.push_back(std::make_unique<long>(-1));
-            model.emplace(value, handles.size() - 1);
-            if (withHandle) {
-                live.push_back(handles.size() - 1);
-            }
-            return withHandle ? handles.back().get() : nullptr;
-        };
-        const auto take = [&](long value, unsigned long id) {
-            const auto cell = model.find({value, id});
-            ASSERT_NE(cell, model.end()) << "no cell " << id << " of value " << value;
-            model.erase(cell);
-            live.erase(std::remove(live.begin(), live.end(), id), live.end());
-        };
+        holes_model::QueueModel model(7);
+        holes_model::Handles handles(model);
         for (int step = 0; step < 20000 && !HasFailure(); ++step) {
             const std::size_t op = draw(100);
-            const long extreme = draw(2) == 0 ? INT32_MIN : INT32_MAX;
-            const long value = draw(50) == 0 ? extreme : static_cast<long>(draw(200)) - 100;
-            const long least = model.empty() ? 0 : model.begin()->first;
-            const unsigned long next = handles.size();
+            const std::int32_t extreme = draw(2) == 0 ? INT32_MIN : INT32_MAX;
+            const auto value = draw(50) == 0 ? extreme : static_cast<std::int32_t>(draw(draw(3) == 0 ? 200 : 6)) - 3;
+            const auto data = static_cast<std::uint32_t>(step);
             long head = 0;
-            unsigned long id = 0;
-            if (op < 40 || model.empty()) {
-                ASSERT_TRUE(q.AddValue(value, next, add(value, draw(4) != 0)));
+            unsigned long headData = 0;
+            std::int32_t expected = 0;
+            std::uint32_t expectedData = 0;
+            if (op < 40 || model.Size() == 0) {
+                const int h = handles.New(draw(4) != 0);
+                ASSERT_TRUE(q.AddValue(value, data, handles.Pointer(h)));
+                model.AddValue(value, data, h);
             } else if (op < 60) {
-                ASSERT_EQ(q.RemoveHead(head, id), 0);
-                ASSERT_EQ(head, least);
-                take(head, id);
+                ASSERT_EQ(q.RemoveHead(head, headData), 0);
+                model.RemoveHead(expected, expectedData);
+                ASSERT_EQ(head, expected);
+                ASSERT_EQ(headData, expectedData);
             } else if (op < 70) {
-                ASSERT_EQ(q.RemoveAddHead(head, id, value, next, add(value, true)), 0);
-                ASSERT_EQ(head, least);
-                take(head, id);
-            } else if (op < 99 && !live.empty()) {
-                const unsigned long target = live[draw(live.size())];
-                const long cell = *handles[target];
-                const long old = q.Cell(static_cast<std::int32_t>(cell)).lValue;
+                const int h = handles.New(true);
+                ASSERT_EQ(q.RemoveAddHead(head, headData, value, data, handles.Pointer(h)), 0);
+                model.RemoveAddHead(expected, expectedData, value, data, h);
+                ASSERT_EQ(headData, expectedData);
+            } else if (op < 99) {
+                const auto k = static_cast<std::int32_t>(1 + draw(static_cast<std::size_t>(model.Size())));
                 if (op < 85) {
-                    ASSERT_EQ(q.RemoveCell(cell), 0);
-                    take(old, target);
+                    ASSERT_EQ(q.RemoveCell(k), 0);
+                    model.RemoveCell(k);
                 } else {
-                    q.ChangeValue(cell, value);
-                    take(old, target);
-                    model.emplace(value, target);
-                    live.push_back(target);
+                    q.ChangeValue(k, value);
+                    model.ChangeValue(k, value);
                 }
-            } else if (op == 99 && draw(10) == 0) {
+            } else if (draw(10) == 0) {
                 q.ReInit();
-                model.clear();
-                live.clear();
+                model.ReInit();
             }
             ASSERT_EQ(q.RemoveCell(q.Size() + 1), -1);
-            ASSERT_TRUE(q.Check()) << "seed " << seed << " step " << step;
-            ASSERT_EQ(q.Size(), static_cast<std::int32_t>(model.size()));
-            ASSERT_EQ(q.ReadHead(head, id), model.empty() ? 0 : -1);
-            ASSERT_EQ(head, model.empty() ? head : model.begin()->first);
+            ASSERT_TRUE(q.Matches(model, handles.All())) << "seed " << seed << " step " << step;
+            ASSERT_EQ(q.ReadHead(head, headData), model.Size() == 0 ? 0 : -1);
         }
     }
 }
@@ -156,51 +170,52 @@ TEST(SpeedHoleManager, AmongEqualHolesTheHeapDecides)
     EXPECT_EQ(m.GetBestHole(5), 30u);
 }
 
-// Random allocation and freeing against a sorted set of holes.
-TEST(SpeedHoleManager, RandomHostAgainstASortedSet)
+// Random allocation and freeing against the model over a heap of negated sizes: the same hole
+// is the answer, the same record comes back, and the same cells stand in the same places of the
+// manager's queue after each call.
+TEST(SpeedHoleManager, RandomHostAgainstTheModel)
 {
     for (const std::uint32_t seed : {21U, 22U}) {
         std::mt19937 rng(seed);
-        YXSpeedHoleManager m;
-        std::multiset<std::pair<std::int32_t, std::uint32_t>> holes; // (size, offset)
-        std::uint32_t sum = 0;
+        holes_model::SpeedView m;
+        holes_model::SpeedModel model;
         std::uint32_t fileLength = 0;
         for (int step = 0; step < 20000 && !HasFailure(); ++step) {
-            const auto size = static_cast<std::int32_t>(rng() % 100);
+            const auto size = static_cast<std::int32_t>(rng() % (rng() % 2 == 0 ? 100 : 5));
             const auto op = rng() % 100;
-            const unsigned long answer = op < 55 ? kNone : m.GetBestHole(size);
-            const std::int32_t largest = holes.empty() ? -1 : holes.rbegin()->first;
-            const auto hole = holes.find({largest, static_cast<std::uint32_t>(answer)});
             if (op < 55) {
-                m.AddHole(fileLength, size);
-                holes.emplace(size, fileLength);
+                ASSERT_TRUE(m.AddHole(fileLength, size));
+                model.AddHole(fileLength, size);
                 fileLength += static_cast<std::uint32_t>(size) + 1;
-                sum += static_cast<std::uint32_t>(size);
             } else if (op == 55) {
                 m.ClearHoleList();
-                m.SetHoleFootPrint(static_cast<long>(rng() % 8));
-                holes.clear();
-                sum = 0;
-            } else if (largest != size && largest < size + m.GetHoleFootPrint()) {
-                ASSERT_EQ(answer, kNone) << "step " << step;
+                model.ClearHoleList();
+                model.footPrint = static_cast<std::int32_t>(rng() % 8);
+                m.SetHoleFootPrint(model.footPrint);
             } else {
-                ASSERT_NE(hole, holes.end()) << "answer " << answer << " is not a largest hole";
-                if (holes.begin()->second != answer) { // any other hole is refused
-                    ASSERT_EQ(m.RemoveHole(holes.begin()->second, holes.begin()->first), nullptr);
-                }
-                const tagFILEHOLE* rest = m.RemoveHole(answer, size); // size 0 gives the head back whole
-                const tagFILEHOLE left{static_cast<std::uint32_t>(answer + size), largest - size};
-                sum -= static_cast<std::uint32_t>(size);
-                holes.erase(hole);
-                ASSERT_EQ(rest == nullptr, largest == size);
+                const unsigned long answer = m.GetBestHole(size);
+                ASSERT_EQ(answer, model.GetBestHole(size)) << "step " << step;
+                // The hole asked for, or now and then another, which is refused.
+                const auto offset =
+                    static_cast<std::uint32_t>(answer == kNone || op < 60 ? rng() % (fileLength + 1) : answer);
+                const tagFILEHOLE* rest = m.RemoveHole(offset, size); // size 0 gives the head back whole
+                ASSERT_EQ(rest != nullptr, model.RemoveHole(offset, size)) << "step " << step;
                 if (rest != nullptr) {
-                    ASSERT_EQ(*rest, left);
-                    holes.emplace(left.lSize, left.dwOffset);
+                    ASSERT_EQ(*rest, holes_model::SpeedModel::Removed());
                 }
             }
-            ASSERT_EQ(m.GetNumberOfHoles(), static_cast<long>(holes.size()));
-            ASSERT_EQ(m.GetHolesSize(), sum);
+            const std::string broken = m.Against(model);
+            ASSERT_TRUE(broken.empty()) << "step " << step << ": " << broken;
         }
+        // The whole heap, cell by cell: the holes come out in the model's order.
+        std::int32_t value = 0;
+        std::uint32_t offset = 0;
+        while (model.queue.ReadHead(value, offset) && model.count > 0 && !HasFailure()) {
+            ASSERT_EQ(m.GetBestHole(-value), offset);
+            ASSERT_EQ(m.RemoveHole(offset, -value), nullptr);
+            model.RemoveHole(offset, -value);
+        }
+        EXPECT_EQ(m.GetBestHole(0), kNone);
     }
 }
 

@@ -93,4 +93,22 @@ TEST(AutoBufferEntry, CopiesAreDeep)
     EXPECT_EQ(BytesOf(target.GetAutoBuffer()), "short");
 }
 
+// Assignment to itself runs the first step as any assignment does: an entry with no block reserves
+// its initial size; one with bytes keeps them.
+TEST(AutoBufferEntry, SelfAssignment)
+{
+    YXAutoBufferEntry fresh;
+    YXAutoBufferEntry& same = fresh;
+    fresh = same;
+    EXPECT_EQ(fresh.GetAutoBuffer()->m_dwCapacity, 100u);
+    EXPECT_EQ(fresh.GetAutoBuffer()->m_dwSize, 0u);
+
+    YXAutoBufferEntry filled;
+    ASSERT_TRUE(FillBuffer(filled.GetAutoBuffer(), std::string(150, 'f')));
+    YXAutoBufferEntry& alias = filled;
+    filled = alias;
+    EXPECT_EQ(filled.GetAutoBuffer()->m_dwCapacity, 150u);
+    EXPECT_EQ(BytesOf(filled.GetAutoBuffer()), std::string(150, 'f'));
+}
+
 } // namespace

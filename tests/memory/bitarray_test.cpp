@@ -46,6 +46,19 @@ TEST(BitArray, WordBoundaries)
     }
 }
 
+// IsOneSet reads every word to the last, also one that holds only spare bits.
+TEST(BitArray, IsOneSetReadsTheLastWord)
+{
+    for (const unsigned long range : {1UL, 31UL, 32UL, 64UL, 100UL}) {
+        YXBitArray bits(range);
+        const unsigned long last = range >> 5;
+        bits.GetBitArray()[last] = 0x80000000UL; // the highest spare bit
+        EXPECT_TRUE(bits.IsOneSet()) << range;
+        bits.GetBitArray()[last] = 0;
+        EXPECT_FALSE(bits.IsOneSet()) << range;
+    }
+}
+
 TEST(BitArray, SpareBitsSurviveAShrinkAndComeBackOnGrowth)
 {
     YXBitArray bits(100);

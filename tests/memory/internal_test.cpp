@@ -7,6 +7,7 @@
 #include <yxtools/memory.h>
 
 #include "buffer_fill.h"
+#include "memory/autobuffer_internal.h"
 #include "platform/heap.h"
 
 namespace {
@@ -23,13 +24,13 @@ TEST(AutoBufferReserve, DoublesUntilTheRequestFits)
         SCOPED_TRACE(testing::Message() << c.capacity << " -> " << c.request);
         YXAutoBufferEntry entry;
         YXAutoBuffer* buffer = entry.GetAutoBuffer();
-        ASSERT_TRUE(buffer->Reserve(c.capacity));
-        EXPECT_TRUE(buffer->Reserve(c.request));
+        ASSERT_TRUE(YXAutoBufferAccess::Reserve(*buffer, c.capacity));
+        EXPECT_TRUE(YXAutoBufferAccess::Reserve(*buffer, c.request));
         EXPECT_EQ(buffer->m_dwCapacity, c.expected);
     }
     YXAutoBufferEntry entry;
     ASSERT_TRUE(FillBuffer(entry.GetAutoBuffer(), "twelve bytes"));
-    EXPECT_TRUE(entry.GetAutoBuffer()->Reserve(13));
+    EXPECT_TRUE(YXAutoBufferAccess::Reserve(*entry.GetAutoBuffer(), 13));
     EXPECT_EQ(BytesOf(entry.GetAutoBuffer()), "twelve bytes");
 }
 
@@ -75,7 +76,7 @@ TEST(AllocationFailure, ReserveAndToBufferKeepTheBufferAsItWas)
     ASSERT_TRUE(FillBuffer(buffer, "content"));
     unsigned char* const before = buffer->m_pData;
     const HeapFailure failure;
-    EXPECT_FALSE(buffer->Reserve(100));
+    EXPECT_FALSE(YXAutoBufferAccess::Reserve(*buffer, 100));
     EXPECT_FALSE(YXHugePtr_ToBuffer(block, buffer));
     EXPECT_EQ(buffer->m_dwCapacity, 7u);
     EXPECT_EQ(buffer->m_pData, before);
@@ -91,8 +92,8 @@ TEST(AllocationFailure, AssignLeavesAnEmptyBufferWithAnHonestCapacity)
     YXAutoBufferEntry small;     // has a block, fails on growing to the source's size
     ASSERT_TRUE(FillBuffer(small.GetAutoBuffer(), "tiny"));
     const HeapFailure failure;
-    EXPECT_FALSE(blockless.GetAutoBuffer()->Assign(*source.GetAutoBuffer()));
-    EXPECT_FALSE(small.GetAutoBuffer()->Assign(*source.GetAutoBuffer()));
+    EXPECT_FALSE(YXAutoBufferAccess::Assign(*blockless.GetAutoBuffer(), *source.GetAutoBuffer()));
+    EXPECT_FALSE(YXAutoBufferAccess::Assign(*small.GetAutoBuffer(), *source.GetAutoBuffer()));
     const YXAutoBufferEntry copy(source); // a constructor cannot report: the copy comes out empty
     EXPECT_EQ(blockless.GetAutoBuffer()->m_dwCapacity, 0u);
     EXPECT_EQ(small.GetAutoBuffer()->m_dwCapacity, 4u);

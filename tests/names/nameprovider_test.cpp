@@ -77,4 +77,26 @@ TEST_F(Registries, ReplacedAndClosedRegistrationsLeaveTheProvidersAlive)
     EXPECT_TRUE(second.GetName("still alive", name));
 }
 
+// After YXTools_Close both registries are gone: a call made then finds each of them empty, and
+// what it registers there lasts until the next close.
+TEST_F(Registries, AfterCloseEachRegistryStartsEmpty)
+{
+    StringProvider byString;
+    IdProvider byId;
+    YXNameProvider_RegisterProviderByString("key", &byString);
+    YXNameProvider_RegisterProviderByID("key", &byId);
+    YXTools_Close();
+    EXPECT_EQ(YXNameProvider_GetProviderByID("key"), nullptr);
+    EXPECT_EQ(YXNameProvider_GetProviderByString("key"), nullptr);
+    EXPECT_TRUE(YXNameProvider_RegisterProviderByID("late", &byId));
+    EXPECT_TRUE(YXNameProvider_RegisterProviderByString("late", &byString));
+    EXPECT_EQ(YXNameProvider_GetProviderByID("late"), &byId);
+    EXPECT_EQ(YXNameProvider_GetProviderByString("late"), &byString);
+    YXTools_Close();
+    EXPECT_EQ(YXNameProvider_GetProviderByID("late"), nullptr);
+    EXPECT_EQ(YXNameProvider_GetProviderByString("late"), nullptr);
+    YXTools_Close();
+    YXTools_Init();
+}
+
 } // namespace

@@ -87,4 +87,17 @@ TEST(YXPathMake, PointersDecideTheSeparators)
     }
 }
 
+// Any of the inputs may be the output string: the path is made from the inputs as given.
+TEST(YXPathMake, InputMayBeTheOutput)
+{
+    const _SS<char> parts[4] = {"C:", "\\data\\", "map", ".txt"};
+    for (int aliased = 0; aliased < 4; ++aliased) {
+        _SS<char> output(parts[aliased]);
+        const _SS<char>* in[4] = {&parts[0], &parts[1], &parts[2], &parts[3]};
+        in[aliased] = &output;
+        EXPECT_TRUE(YXPath::Make(output, in[0], in[1], in[2], in[3]));
+        EXPECT_EQ(output, "C:\\data\\map.txt") << aliased;
+    }
+}
+
 } // namespace

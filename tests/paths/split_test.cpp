@@ -111,6 +111,33 @@ TEST(YXPathSplit, RoutesAgreeAroundTheBoundary)
     }
 }
 
+// An out-argument may be the input string itself, on both routes and through the long route
+// called by itself (a derived class may): each component, and the kind, comes out as from a split
+// into other strings.
+TEST(YXPathSplit, OutArgumentMayBeTheInput)
+{
+    for (const char* text : {"C:\\dir\\name.ext", "C:\\dir*\\name.ext", "http://host/*/page.html", "C:*.ext"}) {
+        const _SS<char> path(Expand(text));
+        _SS<char> expected[4];
+        YXPATHKIND expectedKind = YXPATHKIND_NONE;
+        YXPath::Split(path, &expected[0], &expected[1], &expected[2], &expected[3], &expectedKind);
+        for (int aliased = 0; aliased < 8; ++aliased) {
+            const bool slow = aliased >= 4;
+            _SS<char> inout(path);
+            _SS<char> parts[4];
+            _SS<char>* out[4] = {&parts[0], &parts[1], &parts[2], &parts[3]};
+            out[aliased % 4] = &inout;
+            YXPATHKIND kind = expectedKind;
+            EXPECT_TRUE(slow ? PathRoutes::SlowSplit(inout, out[0], out[1], out[2], out[3])
+                             : YXPath::Split(inout, out[0], out[1], out[2], out[3], &kind));
+            for (int i = 0; i < 4; ++i) {
+                EXPECT_EQ(*out[i], expected[i]) << text << ", component " << i << " into the input " << aliased;
+            }
+            EXPECT_EQ(kind, expectedKind) << text;
+        }
+    }
+}
+
 TEST(YXPath, UNCAndValueSemantics)
 {
     for (const char* unc : {"\\\\server\\share", "\\\\"}) {

@@ -11,8 +11,17 @@
 
 namespace {
 
-std::mutex g_tablesLock;
-std::map<UINT, yx::platform::LeadByteTable> g_tables;
+// The tables of the code pages asked for so far. Made at their first use: the trace manager's
+// constructor reaches them through the registry before the library's other statics are made.
+struct Tables {
+    std::mutex lock;
+    std::map<UINT, yx::platform::LeadByteTable> byCodePage;
+};
+Tables& TheTables()
+{
+    static Tables tables;
+    return tables;
+}
 
 } // namespace
 
@@ -20,12 +29,13 @@ namespace yx::platform {
 
 const LeadByteTable& LeadBytes(UINT codePage)
 {
-    const std::lock_guard<std::mutex> guard(g_tablesLock);
-    auto found = g_tables.find(codePage);
-    if (found != g_tables.end()) {
+    Tables& tables = TheTables();
+    const std::lock_guard<std::mutex> guard(tables.lock);
+    auto found = tables.byCodePage.find(codePage);
+    if (found != tables.byCodePage.end()) {
         return found->second;
     }
-    LeadByteTable& table = g_tables[codePage];
+    LeadByteTable& table = tables.byCodePage[codePage];
     table.fill(false);
     // Single-byte and UTF-8 converters have no starters to tell: they keep the empty table.
     const std::string name = "windows-" + std::to_string(codePage);

@@ -4,6 +4,12 @@
 
 #include "platform/win32.h"
 
+namespace {
+// Texts shorter than this are finished on the stack when they reach the limit, so that the string
+// formatter's attempts of 255 and 511 characters never touch the heap.
+constexpr std::size_t kStackText = 1024;
+} // namespace
+
 int _vsnprintf(char* buffer, std::size_t count, const char* format, va_list args)
 {
     va_list again;
@@ -20,10 +26,17 @@ int _vsnprintf(char* buffer, std::size_t count, const char* format, va_list args
         va_end(again);
         return length;
     }
-    // The text reaches the limit: the buffer must hold its first `count` characters.
-    std::vector<char> whole(needed + 1);
-    std::vsnprintf(whole.data(), whole.size(), format, again);
+    // The text reaches the limit: the buffer must hold its first `count` characters, without the
+    // NUL that vsnprintf puts in the last place.
+    char local[kStackText];
+    std::vector<char> whole;
+    char* text = local;
+    if (needed >= sizeof(local)) {
+        whole.resize(needed + 1);
+        text = whole.data();
+    }
+    std::vsnprintf(text, needed + 1, format, again);
     va_end(again);
-    std::memcpy(buffer, whole.data(), count);
+    std::memcpy(buffer, text, count);
     return needed == count ? length : -1;
 }

@@ -47,6 +47,7 @@ constexpr DWORD ERROR_FILE_EXISTS = 80;
 constexpr DWORD ERROR_INVALID_PARAMETER = 87;
 constexpr DWORD ERROR_DISK_FULL = 112;
 constexpr DWORD ERROR_INSUFFICIENT_BUFFER = 122;
+constexpr DWORD ERROR_INVALID_NAME = 123;
 constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
 constexpr DWORD ERROR_ALREADY_EXISTS = 183;
 constexpr DWORD ERROR_FILENAME_EXCED_RANGE = 206;
@@ -123,8 +124,16 @@ YX_PLATFORM void _splitpath(const char* path, char* drive, char* dir, char* fnam
 // has none in front. Null and empty parts are left out.
 YX_PLATFORM void _makepath(char* path, const char* drive, const char* dir, const char* fname, const char* ext);
 
+// Upper-cases a zero-terminated text in place as the runtime does in the "C" locale (a to z only)
+// and gives it back.
+YX_PLATFORM char* _strupr(char* str);
+
 // Files, folders and the runtime's file functions.
-#include "platform/posix/files_posix.h"
+#include "platform/posix/files/files_posix.h"
+// The registry, debugger output, the millisecond counter and the display device.
+#include "platform/posix/registry/registry_posix.h"
+#include "platform/posix/debug/debug_posix.h"
+#include "platform/posix/display/display_posix.h"
 // Critical sections, mutexes and threads.
 #include "platform/posix/sync/sync_posix.h"
 // Movable memory. A fixed block's handle is its address; a movable block's handle is a token that

@@ -1,10 +1,8 @@
 // The file part of the POSIX stand-in: handles, attributes, copies, temporary names, directory
 // search, and the runtime's _stat, _access, _chmod, remove and rename. Included by win32_posix.h.
 //
-// Paths may be in Windows form or POSIX form. `\` and `/` both separate; "X:..." resolves through
-// the link <prefix>/dosdevices/x: and "\\server\share\..." through <prefix>/dosdevices/unc/, as
-// Wine lays out its prefix. The prefix is $YXTOOLS_PREFIX, else $XDG_DATA_HOME/yxtools, else
-// ~/.local/share/yxtools; it is read at each call.
+// Paths may be in Windows form or POSIX form; every call resolves them in one place, with Win32's
+// rules (resolver.h).
 //
 // Share modes hold between every handle of every process that uses this stand-in: each open
 // that asks for read or write access marks what it does and what it denies with advisory

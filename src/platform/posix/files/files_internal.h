@@ -2,6 +2,8 @@
 #ifndef YXTOOLS_PLATFORM_FILES_INTERNAL_H
 #define YXTOOLS_PLATFORM_FILES_INTERNAL_H
 
+// Paths reach POSIX through the resolver (resolver.h) only.
+
 #include <sys/stat.h>
 
 #include <string>
@@ -9,12 +11,6 @@
 #include "platform/win32.h"
 
 namespace yxposix {
-
-// The POSIX path of a path in Windows or POSIX form (see files_posix.h); empty for an empty path.
-std::string PosixPath(const char* path);
-
-// True for "X:\", "X:", "\", "/" and the like: a path whose last part is a root.
-bool IsRootPath(const char* path);
 
 // The Win32 error for a failed call on `posixPath` that left `err` in errno. ENOENT splits into
 // ERROR_FILE_NOT_FOUND, when the parent folder exists, and ERROR_PATH_NOT_FOUND.

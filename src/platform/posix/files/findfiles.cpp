@@ -9,27 +9,33 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/files_internal.h"
-#include "platform/posix/handle_table.h"
+#include "platform/posix/files/files_internal.h"
+#include "platform/posix/files/handle_table.h"
+#include "platform/posix/files/resolver.h"
 
 using namespace yxposix;
 
 namespace {
 
-// Windows rewrites a pattern before it matches: `?` becomes kAnyOrNone, a `.` before a
-// wildcard or at the end becomes kDotOrEnd, a `*` before a `.` becomes kUpToLastDot.
-constexpr char kAnyOrNone = '>';   // one character, or none at a dot or at the end of the name
-constexpr char kDotOrEnd = '"';    // a dot, or the end of the name
-constexpr char kUpToLastDot = '<'; // any characters that do not include the name's last dot
+namespace files = yx::platform::files;
 
-std::string Translate(const std::string& pattern)
+// Patterns match character by character, on the names converted from the ANSI code page and
+// upper-cased, so that `?` takes a double-byte character whole and case never touches a trail
+// byte. Windows rewrites a pattern before it matches: `?` becomes kAnyOrNone, a `.` before a
+// wildcard or at the end becomes kDotOrEnd, a `*` before a `.` becomes kUpToLastDot.
+using Text = std::u16string;
+constexpr char16_t kAnyOrNone = u'>';   // one character, or none at a dot or at the end of the name
+constexpr char16_t kDotOrEnd = u'"';    // a dot, or the end of the name
+constexpr char16_t kUpToLastDot = u'<'; // any characters that do not include the name's last dot
+
+Text Translate(const Text& pattern)
 {
-    if (pattern == "*.*") {
-        return "*";
+    if (pattern == u"*.*") {
+        return u"*";
     }
-    std::string out = pattern;
+    Text out = pattern;
     for (std::size_t i = 0; i < out.size(); ++i) {
-        const char next = i + 1 < pattern.size() ? pattern[i + 1] : '\0';
+        const char16_t next = i + 1 < pattern.size() ? pattern[i + 1] : u'\0';
         if (pattern[i] == '?') {
             out[i] = kAnyOrNone;
         } else if (pattern[i] == '.' && (next == '?' || next == '*' || next == '\0')) {
@@ -41,19 +47,14 @@ std::string Translate(const std::string& pattern)
     return out;
 }
 
-bool SameLetter(char a, char b)
-{
-    return std::toupper(static_cast<unsigned char>(a)) == std::toupper(static_cast<unsigned char>(b));
-}
-
-bool Match(const char* p, const char* n, const char* lastDot)
+bool Match(const char16_t* p, const char16_t* n, const char16_t* lastDot)
 {
     for (;; ++p) {
         switch (*p) {
         case '\0':
             return *n == '\0';
         case '*':
-            for (const char* rest = n;; ++rest) {
+            for (const char16_t* rest = n;; ++rest) {
                 if (Match(p + 1, rest, lastDot)) {
                     return true;
                 }
@@ -62,7 +63,7 @@ bool Match(const char* p, const char* n, const char* lastDot)
                 }
             }
         case kUpToLastDot:
-            for (const char* rest = n;; ++rest) {
+            for (const char16_t* rest = n;; ++rest) {
                 if (Match(p + 1, rest, lastDot)) {
                     return true;
                 }
@@ -87,7 +88,7 @@ bool Match(const char* p, const char* n, const char* lastDot)
             }
             continue;
         default:
-            if (*n == '\0' || !SameLetter(*p, *n)) {
+            if (*n == '\0' || *p != *n) {
                 return false;
             }
             ++n;
@@ -96,10 +97,10 @@ bool Match(const char* p, const char* n, const char* lastDot)
     }
 }
 
-bool Matches(const std::string& translated, const std::string& name)
+bool Matches(const Text& translated, const Text& name)
 {
-    const std::size_t dot = name.rfind('.');
-    return Match(translated.c_str(), name.c_str(), dot == std::string::npos ? nullptr : name.c_str() + dot);
+    const std::size_t dot = name.rfind(u'.');
+    return Match(translated.c_str(), name.c_str(), dot == Text::npos ? nullptr : name.c_str() + dot);
 }
 
 struct FindState {
@@ -132,17 +133,26 @@ void Fill(const FindState& state, const std::string& name, WIN32_FIND_DATAA* dat
 
 HANDLE FindFirstFileA(LPCSTR lpFileName, LPWIN32_FIND_DATAA lpFindFileData)
 {
-    const std::string search = lpFileName != nullptr ? lpFileName : "";
-    const std::size_t cut = search.find_last_of("\\/");
-    const std::string folder = cut == std::string::npos ? std::string() : search.substr(0, cut + 1);
-    const std::string pattern = cut == std::string::npos ? search : search.substr(cut + 1);
-    if (pattern.empty()) {
+    const files::Resolved resolved = files::ResolvePath(lpFileName, true);
+    if (resolved.error != ERROR_SUCCESS) {
+        SetLastError(resolved.error);
+        return INVALID_HANDLE_VALUE;
+    }
+    // A search needs a pattern: "C:" or a folder closed by a separator has none.
+    if (!resolved.named || resolved.closedBySeparator || resolved.name.empty()) {
         SetLastError(ERROR_FILE_NOT_FOUND);
         return INVALID_HANDLE_VALUE;
     }
-    std::string posixFolder = folder.empty() ? std::string("./") : PosixPath(folder.c_str());
-    if (posixFolder.back() != '/') {
-        posixFolder += '/';
+    const std::string posixFolder = resolved.path.substr(0, resolved.path.rfind('/') + 1);
+    const std::string& pattern = resolved.name;
+    // A device name without wildcards finds itself, as written.
+    if (pattern.find_first_of("*?<>\"") == std::string::npos && files::DeviceOf(pattern) != files::Device::kNone) {
+        std::memset(lpFindFileData, 0, sizeof(*lpFindFileData));
+        lpFindFileData->dwFileAttributes = FILE_ATTRIBUTE_ARCHIVE;
+        std::strncpy(lpFindFileData->cFileName, pattern.c_str(), MAX_PATH - 1);
+        HANDLE handle = g_searches.Add(new FindState{posixFolder, {pattern}, 1});
+        SetLastError(ERROR_SUCCESS);
+        return handle;
     }
     DIR* dir = ::opendir(posixFolder.c_str());
     if (dir == nullptr) {
@@ -150,8 +160,7 @@ HANDLE FindFirstFileA(LPCSTR lpFileName, LPWIN32_FIND_DATAA lpFindFileData)
         return INVALID_HANDLE_VALUE;
     }
     // A root has no "." and "..", on a drive as at "/".
-    const bool root =
-        (!folder.empty() && IsRootPath(folder.c_str())) || posixFolder.find_first_not_of('/') == std::string::npos;
+    const bool root = posixFolder == resolved.root + "/" || posixFolder == resolved.root || posixFolder == "/";
     std::vector<std::string> names;
     bool dot = false;
     bool dotdot = false;
@@ -173,10 +182,11 @@ HANDLE FindFirstFileA(LPCSTR lpFileName, LPWIN32_FIND_DATAA lpFindFileData)
             names.insert(names.begin(), ".");
         }
     }
-    const std::string translated = Translate(pattern);
+    const files::NameFolding folding;
+    const Text translated = Translate(folding.Upper(pattern));
     auto* state = new FindState{posixFolder, {}, 0};
     for (const std::string& name : names) {
-        if (Matches(translated, name)) {
+        if (Matches(translated, folding.Upper(name))) {
             state->names.push_back(name);
         }
     }

@@ -12,40 +12,52 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/files_internal.h"
+#include "platform/posix/files/files_internal.h"
+#include "platform/posix/files/resolver.h"
 
 using namespace yxposix;
 
 namespace {
 
+namespace files = yx::platform::files;
+
+// True when the path's last character is a separator (a trail byte 0x5C is part of its character).
 bool EndsWithSeparator(const char* path)
 {
-    const std::size_t length = std::strlen(path);
-    return length > 0 && (path[length - 1] == '\\' || path[length - 1] == '/');
+    bool separator = false;
+    for (const char* p = path; *p != '\0'; ++p) {
+        separator = *p == '\\' || *p == '/';
+        if (IsDBCSLeadByte(static_cast<BYTE>(*p)) != FALSE && p[1] != '\0') {
+            ++p;
+        }
+    }
+    return separator;
 }
 
-bool HasExecutableExtension(const char* path)
+bool HasExecutableExtension(const std::string& name)
 {
-    const char* dot = std::strrchr(path, '.');
-    if (dot == nullptr || std::strpbrk(dot, "\\/") != nullptr) {
+    const std::size_t dot = name.rfind('.');
+    if (dot == std::string::npos) {
         return false;
     }
-    std::string extension(dot + 1);
+    std::string extension = name.substr(dot + 1);
     for (char& c : extension) {
         c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     }
     return extension == "exe" || extension == "com" || extension == "bat" || extension == "cmd";
 }
 
-// stat for the runtime's functions: errno ENOENT for a path that names nothing.
-bool StatPath(const char* path, std::string& posixPath, struct stat& st)
+// stat for the runtime's functions: errno ENOENT for a path that names no file or folder (a
+// device name included, as the runtime sees none there).
+bool StatPath(const char* path, files::Resolved& resolved, struct stat& st)
 {
-    posixPath = PosixPath(path);
-    if (posixPath.empty()) {
+    resolved = files::ResolvePath(path);
+    if (!resolved.exists || resolved.device != files::Device::kNone ||
+        (resolved.closedBySeparator && !resolved.directory)) {
         errno = ENOENT;
         return false;
     }
-    if (::stat(posixPath.c_str(), &st) != 0) {
+    if (::stat(resolved.path.c_str(), &st) != 0) {
         errno = errno == ENOTDIR ? ENOENT : errno;
         return false;
     }
@@ -56,14 +68,17 @@ bool StatPath(const char* path, std::string& posixPath, struct stat& st)
 
 int _stat(const char* path, struct _stat* buffer)
 {
-    std::string posixPath;
+    files::Resolved resolved;
     struct stat st {};
-    // The runtime takes a trailing separator for part of a name, except after a root.
-    if (path == nullptr || (EndsWithSeparator(path) && !IsRootPath(path))) {
-        errno = ENOENT;
+    if (!StatPath(path, resolved, st)) {
         return -1;
     }
-    if (!StatPath(path, posixPath, st)) {
+    // The runtime takes a closing separator for part of a name, except after a root. It looks at
+    // the last byte, not the last character: a name whose trail byte is 0x5C counts as closed, as
+    // the Windows runtime (msvcrt) answers.
+    const std::size_t length = std::strlen(path);
+    if (resolved.closedBySeparator || (resolved.named && (path[length - 1] == '\\' || path[length - 1] == '/'))) {
+        errno = ENOENT;
         return -1;
     }
     int mode = _S_IREAD;
@@ -71,7 +86,7 @@ int _stat(const char* path, struct _stat* buffer)
         mode |= _S_IFDIR | _S_IEXEC;
     } else {
         mode |= _S_IFREG;
-        if (HasExecutableExtension(path)) {
+        if (HasExecutableExtension(resolved.name)) {
             mode |= _S_IEXEC;
         }
     }
@@ -94,9 +109,9 @@ int _access(const char* path, int mode)
         errno = EINVAL;
         return -1;
     }
-    std::string posixPath;
+    files::Resolved resolved;
     struct stat st {};
-    if (!StatPath(path, posixPath, st)) {
+    if (!StatPath(path, resolved, st)) {
         return -1;
     }
     // Folders are writable whatever their attribute, as the runtime answers.
@@ -109,9 +124,9 @@ int _access(const char* path, int mode)
 
 int _chmod(const char* path, int mode)
 {
-    std::string posixPath;
+    files::Resolved resolved;
     struct stat st {};
-    if (!StatPath(path, posixPath, st)) {
+    if (!StatPath(path, resolved, st)) {
         return -1;
     }
     mode_t permissions = st.st_mode & 07777;
@@ -120,42 +135,52 @@ int _chmod(const char* path, int mode)
     } else {
         permissions &= ~static_cast<mode_t>(S_IWUSR | S_IWGRP | S_IWOTH);
     }
-    return ::chmod(posixPath.c_str(), permissions);
+    return ::chmod(resolved.path.c_str(), permissions);
 }
 
 namespace crt {
 
 int remove(const char* path)
 {
-    std::string posixPath;
+    files::Resolved resolved;
     struct stat st {};
-    if (!StatPath(path, posixPath, st)) {
+    if (!StatPath(path, resolved, st)) {
         return -1;
     }
-    if (S_ISDIR(st.st_mode) || IsReadOnly(st) || IsInUse(posixPath)) {
+    if (S_ISDIR(st.st_mode) || IsReadOnly(st) || IsInUse(resolved.path)) {
         errno = EACCES;
         return -1;
     }
-    return ::unlink(posixPath.c_str()) == 0 ? 0 : -1;
+    return ::unlink(resolved.path.c_str()) == 0 ? 0 : -1;
 }
 
 int rename(const char* oldname, const char* newname)
 {
-    std::string from;
+    files::Resolved source;
     struct stat st {};
-    if (!StatPath(oldname, from, st)) {
+    if (!StatPath(oldname, source, st)) {
         return -1;
     }
-    const std::string to = PosixPath(newname);
-    if (to.empty()) {
+    const std::string& from = source.path;
+    const files::Resolved target = files::ResolvePath(newname);
+    if (target.error != ERROR_SUCCESS || target.name.empty() || target.device != files::Device::kNone) {
         errno = ENOENT;
         return -1;
     }
+    // A name that is taken, in any case, is refused, unless it is the file's own (a change of case).
+    if (target.exists && target.path != from) {
+        errno = EEXIST;
+        return -1;
+    }
+    const std::string to = target.path.substr(0, target.path.rfind('/') + 1) + target.name;
     if (!S_ISDIR(st.st_mode) && IsInUse(from)) {
         errno = EACCES;
         return -1;
     }
-    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
+    if (to == from) {
+        return 0;
+    }
+    if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), target.exists ? 0 : RENAME_NOREPLACE) == 0) {
         return 0;
     }
     if (errno != EINVAL) {
@@ -163,8 +188,8 @@ int rename(const char* oldname, const char* newname)
         return -1;
     }
     // A file system without RENAME_NOREPLACE: test, then rename.
-    struct stat target {};
-    if (::lstat(to.c_str(), &target) == 0) {
+    struct stat taken {};
+    if (::lstat(to.c_str(), &taken) == 0) {
         errno = EEXIST;
         return -1;
     }
@@ -180,9 +205,8 @@ BOOL CopyFileA(LPCSTR lpExistingFileName, LPCSTR lpNewFileName, BOOL bFailIfExis
     if (source == INVALID_HANDLE_VALUE) {
         return FALSE;
     }
-    const std::string sourcePath = PosixPath(lpExistingFileName);
     struct stat sourceStat {};
-    ::stat(sourcePath.c_str(), &sourceStat);
+    ::stat(files::ResolvePath(lpExistingFileName).path.c_str(), &sourceStat);
     HANDLE target = CreateFileA(lpNewFileName, GENERIC_WRITE, 0, nullptr, bFailIfExists ? CREATE_NEW : CREATE_ALWAYS,
                                 FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
     if (target == INVALID_HANDLE_VALUE) {
@@ -211,7 +235,7 @@ BOOL CopyFileA(LPCSTR lpExistingFileName, LPCSTR lpNewFileName, BOOL bFailIfExis
             break;
         }
     }
-    const std::string targetPath = PosixPath(lpNewFileName);
+    const std::string targetPath = files::ResolvePath(lpNewFileName).path;
     CloseHandle(source);
     CloseHandle(target);
     if (copied == FALSE) {

@@ -10,79 +10,12 @@
 #include <mutex>
 #include <string>
 
-#include "platform/posix/files_internal.h"
+#include "platform/posix/files/files_internal.h"
+#include "platform/posix/files/handle_table.h"
+#include "platform/posix/files/resolver.h"
 #include "platform/posix/sync/kernel_objects.h"
-#include "platform/posix/handle_table.h"
 
 namespace yxposix {
-
-namespace {
-
-std::string Prefix()
-{
-    const char* prefix = std::getenv("YXTOOLS_PREFIX");
-    if (prefix != nullptr && *prefix != '\0') {
-        return prefix;
-    }
-    const char* data = std::getenv("XDG_DATA_HOME");
-    if (data != nullptr && *data != '\0') {
-        return std::string(data) + "/yxtools";
-    }
-    const char* home = std::getenv("HOME");
-    return std::string(home != nullptr ? home : "") + "/.local/share/yxtools";
-}
-
-bool IsSeparator(char c)
-{
-    return c == '\\' || c == '/';
-}
-
-// The rest of a path with `\` turned into `/`.
-std::string Slashes(const char* rest)
-{
-    std::string out(rest);
-    for (char& c : out) {
-        if (c == '\\') {
-            c = '/';
-        }
-    }
-    return out;
-}
-
-} // namespace
-
-std::string PosixPath(const char* path)
-{
-    if (path == nullptr || *path == '\0') {
-        return std::string();
-    }
-    if (std::isalpha(static_cast<unsigned char>(path[0])) != 0 && path[1] == ':') {
-        const char letter = static_cast<char>(std::tolower(static_cast<unsigned char>(path[0])));
-        const char* rest = path + 2;
-        while (IsSeparator(*rest)) {
-            ++rest;
-        }
-        return Prefix() + "/dosdevices/" + letter + ":/" + Slashes(rest);
-    }
-    if (path[0] == '\\' && path[1] == '\\') {
-        return Prefix() + "/dosdevices/unc/" + Slashes(path + 2);
-    }
-    return Slashes(path);
-}
-
-bool IsRootPath(const char* path)
-{
-    if (path == nullptr) {
-        return false;
-    }
-    if (std::isalpha(static_cast<unsigned char>(path[0])) != 0 && path[1] == ':') {
-        path += 2;
-    }
-    while (IsSeparator(*path)) {
-        ++path;
-    }
-    return *path == '\0';
-}
 
 DWORD ErrorFromErrno(int err, const std::string& posixPath)
 {
@@ -222,7 +155,7 @@ bool EnterShare(int fd, bool fdWritable, DWORD access, DWORD share)
 
 int OpenDescriptor(const std::string& path, DWORD access, int extra, mode_t mode, bool& writable)
 {
-    const int base = O_CLOEXEC | O_NOCTTY | extra;
+    const int base = O_CLOEXEC | O_NOCTTY | O_NONBLOCK | extra;
     writable = false;
     int fd = -1;
     if ((access & GENERIC_WRITE) != 0) {
@@ -265,8 +198,13 @@ const FileHandle* LookupWith(HANDLE handle, DWORD right)
 
 bool IsInUse(const std::string& posixPath)
 {
-    const int fd = ::open(posixPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
+    const int fd = ::open(posixPath.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
     if (fd < 0) {
+        return false;
+    }
+    struct stat st {};
+    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        ::close(fd);
         return false;
     }
     const bool used = MarkHeld(fd, kReading) || MarkHeld(fd, kWriting);
@@ -278,6 +216,29 @@ bool IsInUse(const std::string& posixPath)
 
 using namespace yxposix;
 
+namespace {
+
+// The devices a host may name: NUL is the null device; the console and the ports are not there
+// for a library (no console is attached, no port is offered), as Wine answers without them.
+HANDLE OpenDevice(yx::platform::files::Device device, DWORD access)
+{
+    using yx::platform::files::Device;
+    if (device != Device::kNull) {
+        Report(device == Device::kConsole ? ERROR_INVALID_HANDLE : ERROR_FILE_NOT_FOUND);
+        return INVALID_HANDLE_VALUE;
+    }
+    const int fd = ::open("/dev/null", O_RDWR | O_CLOEXEC | O_NOCTTY);
+    if (fd < 0) {
+        Report(ErrorFromErrno(errno, std::string()));
+        return INVALID_HANDLE_VALUE;
+    }
+    HANDLE file = g_files.Add(new FileHandle{fd, access});
+    Report(ERROR_SUCCESS);
+    return file;
+}
+
+} // namespace
+
 HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
                    LPSECURITY_ATTRIBUTES /*lpSecurityAttributes*/, DWORD dwCreationDisposition,
                    DWORD dwFlagsAndAttributes, HANDLE /*hTemplateFile*/)
@@ -286,15 +247,25 @@ HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
         Report(ERROR_INVALID_PARAMETER);
         return INVALID_HANDLE_VALUE;
     }
-    const std::string path = PosixPath(lpFileName);
-    if (path.empty()) {
-        Report(ERROR_PATH_NOT_FOUND);
+    namespace files = yx::platform::files;
+    const files::Resolved resolved = files::ResolvePath(lpFileName);
+    if (resolved.error != ERROR_SUCCESS) {
+        Report(resolved.error);
         return INVALID_HANDLE_VALUE;
     }
+    if (resolved.device != files::Device::kNone) {
+        return OpenDevice(resolved.device, dwDesiredAccess);
+    }
+    // A separator after a name asks for a folder: a file there, or nothing, is no such name.
+    if (resolved.closedBySeparator && !resolved.directory) {
+        Report(ERROR_INVALID_NAME);
+        return INVALID_HANDLE_VALUE;
+    }
+    const std::string& path = resolved.path;
     struct stat st {};
-    const bool exists = ::stat(path.c_str(), &st) == 0;
-    if (!exists && errno != ENOENT) {
-        Report(ErrorFromErrno(errno, path));
+    const bool exists = resolved.exists && ::stat(path.c_str(), &st) == 0;
+    if (resolved.exists && !exists) {
+        Report(ERROR_ACCESS_DENIED); // a link that leads nowhere
         return INVALID_HANDLE_VALUE;
     }
     const bool creates = dwCreationDisposition != OPEN_EXISTING && dwCreationDisposition != TRUNCATE_EXISTING;
@@ -308,12 +279,18 @@ HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
             Report(ERROR_FILE_EXISTS);
             return INVALID_HANDLE_VALUE;
         }
+        // A FIFO, a socket or a device file is never opened (an open could wait for a writer):
+        // it answers as a file Windows may not open.
+        if (!S_ISREG(st.st_mode)) {
+            Report(ERROR_ACCESS_DENIED);
+            return INVALID_HANDLE_VALUE;
+        }
         if (IsReadOnly(st) && ((dwDesiredAccess & GENERIC_WRITE) != 0 || truncates)) {
             Report(ERROR_ACCESS_DENIED);
             return INVALID_HANDLE_VALUE;
         }
     } else if (!creates) {
-        Report(ErrorFromErrno(ENOENT, path));
+        Report(ERROR_FILE_NOT_FOUND);
         return INVALID_HANDLE_VALUE;
     }
 
@@ -322,6 +299,13 @@ HANDLE CreateFileA(LPCSTR lpFileName, DWORD dwDesiredAccess, DWORD dwShareMode,
     const int fd = OpenDescriptor(path, dwDesiredAccess, exists ? 0 : O_CREAT | O_EXCL, mode, writable);
     if (fd < 0) {
         Report(ErrorFromErrno(errno, path));
+        return INVALID_HANDLE_VALUE;
+    }
+    // What was opened may have been swapped for something else since it was looked at.
+    struct stat opened {};
+    if (::fstat(fd, &opened) != 0 || !S_ISREG(opened.st_mode)) {
+        ::close(fd);
+        Report(ERROR_ACCESS_DENIED);
         return INVALID_HANDLE_VALUE;
     }
     {
@@ -514,14 +498,22 @@ BOOL FlushFileBuffers(HANDLE hFile)
 
 DWORD GetFileAttributesA(LPCSTR lpFileName)
 {
-    const std::string path = PosixPath(lpFileName);
+    namespace files = yx::platform::files;
+    const files::Resolved resolved = files::ResolvePath(lpFileName);
+    if (resolved.device != files::Device::kNone) {
+        return FILE_ATTRIBUTE_ARCHIVE; // every device name answers as a file, in an existing folder
+    }
+    if (!resolved.exists) {
+        Report(files::MissingError(resolved));
+        return INVALID_FILE_ATTRIBUTES;
+    }
     struct stat st {};
-    if (path.empty()) {
+    if (resolved.closedBySeparator && !resolved.directory) {
         Report(ERROR_PATH_NOT_FOUND);
         return INVALID_FILE_ATTRIBUTES;
     }
-    if (::stat(path.c_str(), &st) != 0) {
-        Report(ErrorFromErrno(errno, path));
+    if (::stat(resolved.path.c_str(), &st) != 0) {
+        Report(ErrorFromErrno(errno, resolved.path));
         return INVALID_FILE_ATTRIBUTES;
     }
     return AttributesOf(st);
