@@ -16,6 +16,7 @@
 #include "yxtools/files.h"
 #include "yxtools/memory.h"
 #include "yxtools/holes.h"
+#include "yxtools/concurrency.h"
 #include "yxtools/intl.h"
 #include "yxtools/text.h"
 

@@ -201,6 +201,8 @@ YX_PLATFORM UINT GetProfileIntA(LPCSTR lpAppName, LPCSTR lpKeyName, INT nDefault
 #include "platform/posix/registry/registry_posix.h"
 #include "platform/posix/debug/debug_posix.h"
 #include "platform/posix/display/display_posix.h"
+// Critical sections, mutexes and threads.
+#include "platform/posix/sync/sync_posix.h"
 // Movable memory. A fixed block's handle is its address; a movable block's handle is a token that
 // is never an address of its data, and the data may move while the block is not locked. Blocks
 // are tracked in one table, so a handle that is not a live block is refused with

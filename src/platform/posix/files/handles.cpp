@@ -13,6 +13,7 @@
 #include "platform/posix/files/files_internal.h"
 #include "platform/posix/files/handle_table.h"
 #include "platform/posix/files/resolver.h"
+#include "platform/posix/sync/kernel_objects.h"
 
 namespace yxposix {
 
@@ -337,6 +338,10 @@ BOOL CloseHandle(HANDLE hObject)
 {
     FileHandle* file = g_files.Take(hObject);
     if (file == nullptr) {
+        // Mutexes and threads.
+        if (yx::platform::sync::Uncancellable([&] { return yx::platform::sync::CloseKernelHandle(hObject); })) {
+            return TRUE;
+        }
         Report(ERROR_INVALID_HANDLE);
         return FALSE;
     }
