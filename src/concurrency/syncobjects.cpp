@@ -1,6 +1,7 @@
 #include <cstdint>
 #include <new>
 
+#include "concurrency/duplicate.h"
 #include "platform/win32.h"
 #include "yxtools/concurrency.h"
 
@@ -24,16 +25,6 @@ DWORD MutexTimeOut(long lTimeOut)
         return INFINITE;
     }
     return static_cast<DWORD>(static_cast<std::uint32_t>(wide));
-}
-
-HANDLE Duplicate(HANDLE handle)
-{
-    HANDLE copy = nullptr;
-    if (handle == nullptr || DuplicateHandle(GetCurrentProcess(), handle, GetCurrentProcess(), &copy, 0, FALSE,
-                                             DUPLICATE_SAME_ACCESS) == FALSE) {
-        return nullptr;
-    }
-    return copy;
 }
 
 } // namespace
@@ -99,14 +90,14 @@ bool YXCriticalSection::Unlock()
 
 YXMutex::YXMutex() : m_hMutex(CreateMutexA(nullptr, FALSE, nullptr)) {}
 
-YXMutex::YXMutex(const YXMutex& other) : YXSyncObject(other), m_hMutex(Duplicate(other.m_hMutex)) {}
+YXMutex::YXMutex(const YXMutex& other) : YXSyncObject(other), m_hMutex(yx::concurrency::Duplicate(other.m_hMutex)) {}
 
 YXMutex& YXMutex::operator=(const YXMutex& other)
 {
     if (this == &other) {
         return *this;
     }
-    HANDLE copy = Duplicate(other.m_hMutex); // before this object's handle goes
+    HANDLE copy = yx::concurrency::Duplicate(other.m_hMutex); // before this object's handle goes
     if (m_hMutex != nullptr) {
         CloseHandle(m_hMutex);
     }

@@ -4,6 +4,7 @@
 #include <cxxabi.h>
 #endif
 
+#include "concurrency/duplicate.h"
 #include "platform/win32.h"
 #include "yxtools/concurrency.h"
 
@@ -20,16 +21,6 @@ DWORD ThreadTimeOut(long lTimeOut, std::int32_t lDefault)
     return wide >= static_cast<long long>(INFINITE) ? INFINITE - 1 : static_cast<DWORD>(wide);
 }
 
-HANDLE Duplicate(HANDLE handle)
-{
-    HANDLE copy = nullptr;
-    if (handle == nullptr || DuplicateHandle(GetCurrentProcess(), handle, GetCurrentProcess(), &copy, 0, FALSE,
-                                             DUPLICATE_SAME_ACCESS) == FALSE) {
-        return nullptr;
-    }
-    return copy;
-}
-
 } // namespace
 
 // The platform's thread procedure, with the platform's signature, around runProcess.
@@ -43,7 +34,7 @@ YXThread::YXThread()
 {}
 
 YXThread::YXThread(const YXThread& other)
-    : m_dwThreadId(other.m_dwThreadId), m_hThread(Duplicate(other.m_hThread.load())),
+    : m_dwThreadId(other.m_dwThreadId), m_hThread(yx::concurrency::Duplicate(other.m_hThread.load())),
       m_dwMainThreadId(other.m_dwMainThreadId), m_hMainThread(other.m_hMainThread), m_lTimeOut(other.m_lTimeOut),
       m_bAskForStop(other.m_bAskForStop.load()), m_bFinished(other.m_bFinished.load())
 {}
@@ -60,7 +51,7 @@ YXThread& YXThread::operator=(const YXThread& other)
         WaitAndClose(own, m_lTimeOut);
     }
     m_dwThreadId = other.m_dwThreadId;
-    m_hThread = Duplicate(other.m_hThread.load());
+    m_hThread = yx::concurrency::Duplicate(other.m_hThread.load());
     m_dwMainThreadId = other.m_dwMainThreadId;
     m_hMainThread = other.m_hMainThread;
     m_lTimeOut = other.m_lTimeOut;

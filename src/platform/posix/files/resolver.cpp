@@ -352,7 +352,8 @@ Start StartOf(const char* path, const LeadByteTable& lead)
 
 std::string DriveFolder(char letter)
 {
-    return yxposix::Prefix() + "/dosdevices/" + static_cast<char>(std::tolower(static_cast<unsigned char>(letter))) + ':';
+    return yxposix::Prefix() + "/dosdevices/" + static_cast<char>(std::tolower(static_cast<unsigned char>(letter))) +
+           ':';
 }
 
 std::string UncFolder(const std::string& server, const std::string& share)
