@@ -262,7 +262,7 @@ void Walk(HKEY hive, const std::string& path, Visit visit)
     }
     visit(path, key.Values());
     for (const std::string& sub : key.Subkeys()) {
-        Walk(hive, path + "\\" + sub, visit);
+        Walk(hive, std::string(path).append("\\").append(sub), visit);
     }
 }
 
@@ -298,7 +298,7 @@ bool DeleteTree(HKEY parent, const std::string& path)
             return false;
         }
         for (const std::string& sub : key.Subkeys()) {
-            DeleteTree(parent, path + "\\" + sub);
+            DeleteTree(parent, std::string(path).append("\\").append(sub));
         }
     }
     const std::size_t cut = path.rfind('\\');
@@ -394,7 +394,7 @@ struct Change {
 
 class Malformed : public std::exception {
 public:
-    Malformed(std::size_t line, std::string why) : m_text("line " + std::to_string(line) + ": " + why) {}
+    Malformed(std::size_t line, const std::string& why) : m_text("line " + std::to_string(line) + ": " + why) {}
     const char* what() const noexcept override { return m_text.c_str(); }
 
 private:

@@ -53,9 +53,7 @@ void AddHelpCommand(CLI::App& app, cli::Context& context)
     });
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int Run(int argc, char** argv)
 {
     cli::Context context;
     context.interactive = StandardOutputIsTerminal();
@@ -94,4 +92,20 @@ int main(int argc, char** argv)
         std::printf("%s\n", context.result.dump().c_str());
     }
     return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    // What the commands do not catch themselves (a failed allocation while the parser is set up,
+    // say) ends the program with status 1 and its message, never with an escaped exception.
+    try {
+        return Run(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "yxtools: %s\n", error.what());
+    } catch (...) {
+        std::fprintf(stderr, "yxtools: unexpected failure\n");
+    }
+    return 1;
 }

@@ -1,5 +1,6 @@
 // The NLS calls of the stand-in on ICU: the user's locale, conversion of ANSI text to UTF-16, the
 // mappings of LCMapStringA, collation for CompareStringA, and the case calls.
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -448,7 +449,7 @@ int MultiByteToWideChar(UINT CodePage, DWORD dwFlags, LPCSTR lpMultiByteStr, int
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return 0;
     }
-    std::memcpy(lpWideCharStr, wide.data(), wide.size() * sizeof(WCHAR));
+    std::copy(wide.begin(), wide.end(), lpWideCharStr);
     return count;
 }
 
@@ -504,7 +505,7 @@ int LCMapStringA(LCID Locale, DWORD dwMapFlags, LPCSTR lpSrcStr, int cchSrc, LPS
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return 0;
     }
-    std::memmove(lpDestStr, mapped.data(), mapped.size());
+    std::copy(mapped.begin(), mapped.end(), lpDestStr);
     return count;
 }
 
@@ -673,7 +674,7 @@ DWORD MapCaseInPlace(char* text, DWORD length, bool upper)
     const std::string mapped = WideToAnsi(wide);
     // Case pairs of one code page take the same number of bytes; should one not, the text keeps
     // its length.
-    std::memcpy(text, mapped.data(), mapped.size() < length ? mapped.size() : length);
+    std::copy_n(mapped.data(), mapped.size() < length ? mapped.size() : length, text);
     return length;
 }
 

@@ -50,7 +50,7 @@ const char* CategoryOf(const std::string& lowerKey)
 // language[_territory] of a POSIX name, as ICU spells it; C and POSIX read as en_US, as Wine does.
 std::string IcuName(const std::string& posixName)
 {
-    const std::string base = posixName.substr(0, posixName.find_first_of(".@"));
+    std::string base = posixName.substr(0, posixName.find_first_of(".@"));
     if (base.empty() || base == "C" || base == "POSIX") {
         return "en_US";
     }
@@ -176,10 +176,8 @@ UText WindowsPicture(const UText& pattern)
         while (i + run < pattern.size() && pattern[i + run] == c) {
             ++run;
         }
-        const bool letter = (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');
-        if (!letter) {
-            out += pattern.substr(i, run);
-        } else if (c == u'y' || c == u'Y' || c == u'u') {
+        // Letters without a Windows counterpart, and everything that is no letter, stay as they are.
+        if (c == u'y' || c == u'Y' || c == u'u') {
             out += run == 2 ? u"yy" : u"yyyy";
         } else if (c == u'M' || c == u'L') {
             out += UText(run > 4 ? 4 : run, u'M');
