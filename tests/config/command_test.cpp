@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
+#include <random>
 #include <string>
 
 #include <nlohmann/json.hpp>
@@ -78,7 +79,8 @@ TEST(RegCommand, ExportThenImportGivesTheSameValuesAndAMalformedFileImportsNothi
     const regtest::Sandbox sandbox;
     const std::string section = Quote(sandbox.Section("round"));
     const std::string file =
-        (std::filesystem::temp_directory_path() / ("yxtools-reg-" + std::to_string(std::rand()) + ".reg")).string();
+        (std::filesystem::temp_directory_path() / ("yxtools-reg-" + std::to_string(std::random_device{}()) + ".reg"))
+            .string();
     ASSERT_EQ(Yxtools("reg set " + section + " text " + Quote("a \\\"quoted\\\" \\\\ text")).status, 0);
     ASSERT_EQ(Yxtools("reg set " + section + "\\\\deeper flag true --type bool").status, 0);
     ASSERT_EQ(Yxtools("reg export " + section + " -o " + Quote(file)).status, 0);

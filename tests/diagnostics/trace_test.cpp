@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <fstream>
 #include <map>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -38,7 +39,7 @@ public:
     using Settings = std::map<std::string, std::string>;
     // Settings of section "Trace", by name, each a text; "<file>" stands for the trace file.
     explicit TraceRun(const Settings& settings)
-        : m_folder(fs::temp_directory_path() / ("yxtools-trace-" + std::to_string(std::rand())))
+        : m_folder(fs::temp_directory_path() / ("yxtools-trace-" + std::to_string(std::random_device{}())))
     {
         fs::create_directories(m_folder);
         for (const auto& setting : settings) {
