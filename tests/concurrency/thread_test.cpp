@@ -69,13 +69,15 @@ public:
         return copy;
     }
 
+    // Waits for the worker run begun last to enter Process, and takes the sign, so that the next
+    // run is waited for anew.
     void WaitStarted() const
     {
-        ASSERT_TRUE(census::Settles([this] { return m_started.load(); }));
+        ASSERT_TRUE(census::Settles([this] { return m_started.exchange(false); }));
     }
 
     Kind m_kind;
-    std::atomic<bool> m_started{false};
+    mutable std::atomic<bool> m_started{false};
     std::atomic<bool> m_go{false};
     std::atomic<long> m_steps{0};
 };
