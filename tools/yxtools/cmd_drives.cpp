@@ -63,6 +63,8 @@ void AddDrivesCommand(CLI::App& app, Context& context)
     context.SetAction(drives, [&context] { return Drives(context); });
 }
 
-const Registration drivesRegistration("drives", AddDrivesCommand);
-
 } // namespace cli
+
+namespace {
+const cli::Registration registration("drives", cli::AddDrivesCommand);
+} // namespace
