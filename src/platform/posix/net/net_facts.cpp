@@ -365,12 +365,12 @@ DriveFact Drive(char letter)
     const std::vector<Mount> mounts = ReadMounts(&problem);
     std::size_t best = 0;
     bool found = false;
+    // The table's mount points are canonical paths already; none is looked at on disk, where a
+    // network mount that does not answer would hold the call.
     for (const Mount& mount : mounts) {
-        std::string point = RealFolder(mount.point);
-        point = point.empty() ? mount.point : point;
         // The later of two mounts on one point hides the earlier one.
-        if (Within(fact.folder, point) && (!found || point.size() >= best)) {
-            best = point.size();
+        if (Within(fact.folder, mount.point) && (!found || mount.point.size() >= best)) {
+            best = mount.point.size();
             fact.mount = mount;
             found = true;
         }
@@ -387,9 +387,7 @@ DriveFact Drive(char letter)
         fact.type = DRIVE_REMOTE;
         fact.remoteName = NetworkName(mount.source);
         if (!fact.remoteName.empty()) {
-            std::string point = RealFolder(mount.point);
-            point = point.empty() ? mount.point : point;
-            for (std::size_t i = point == "/" ? 0 : point.size(); i < fact.folder.size(); ++i) {
+            for (std::size_t i = mount.point == "/" ? 0 : mount.point.size(); i < fact.folder.size(); ++i) {
                 fact.remoteName.push_back(fact.folder[i] == '/' ? '\\' : fact.folder[i]);
             }
         }
