@@ -232,7 +232,8 @@ void ReadSmbConf(std::vector<ShareFact>& shares, std::set<std::string>& seen, st
             joined += line.substr(0, line.size() - 1);
             continue;
         }
-        line = Trim(joined + line);
+        joined += line;
+        line = Trim(joined);
         joined.clear();
         if (line.empty() || line[0] == '#' || line[0] == ';') {
             continue;
@@ -285,7 +286,8 @@ void ReadUsershares(std::vector<ShareFact>& shares, std::set<std::string>& seen,
     closedir(dir);
     std::sort(names.begin(), names.end());
     for (const std::string& fileName : names) {
-        const std::string file = folder + "/" + fileName;
+        std::string file = folder;
+        file.append("/").append(fileName);
         std::ifstream in(file);
         std::string line;
         std::string name = fileName;
