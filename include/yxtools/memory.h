@@ -132,7 +132,7 @@ private:
 // The one-bit accessors are defined here, where a host's compiler inlines them into its loops: a
 // call into the library would cost several times the access. The library exports them as well,
 // for hosts that take their address or build without inlining. They are declared plainly in the
-// class and defined inline here, which keeps them out of the hidden inline members.
+// class and defined inline out of it: the library's build hides members defined inside a class.
 inline bool YXBitArray::operator[](unsigned long dwBit) const
 {
     return m_bOk && dwBit < m_dwRange && (m_pdwBits[dwBit >> 5] & 1UL << (dwBit & 31)) != 0;
