@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <bitset>
+#include <cstdint>
 #include <cstdlib>
 #include <vector>
 
@@ -120,6 +121,54 @@ void BM_Bitset(benchmark::State& state)
     }
 }
 BENCHMARK(BM_Bitset);
+
+// One bit at a time, read and written on their own, in the bit array and in std::vector<bool>:
+// every bit of 4096 read (a third of them set), and every bit written with a value that alternates.
+void SetBit(YXBitArray& bits, unsigned long k, bool value)
+{
+    bits.SetValue(k, value);
+}
+
+void SetBit(std::vector<bool>& bits, unsigned long k, bool value)
+{
+    bits[k] = value;
+}
+
+template <class Bits>
+void BM_ReadBit(benchmark::State& state)
+{
+    Bits bits(kBits);
+    for (unsigned long k = 0; k < kBits; k += 3) {
+        SetBit(bits, k, true);
+    }
+    for (auto _ : state) {
+        unsigned long count = 0;
+        for (unsigned long k = 0; k < kBits; ++k) {
+            count += bits[k] ? 1 : 0;
+        }
+        const auto& result = count;
+        benchmark::DoNotOptimize(result);
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kBits));
+}
+BENCHMARK_TEMPLATE(BM_ReadBit, YXBitArray);
+BENCHMARK_TEMPLATE(BM_ReadBit, std::vector<bool>);
+
+template <class Bits>
+void BM_SetBit(benchmark::State& state)
+{
+    Bits bits(kBits);
+    for (auto _ : state) {
+        for (unsigned long k = 0; k < kBits; ++k) {
+            SetBit(bits, k, (k & 1) != 0);
+        }
+        const auto& held = bits;
+        benchmark::DoNotOptimize(held);
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kBits));
+}
+BENCHMARK_TEMPLATE(BM_SetBit, YXBitArray);
+BENCHMARK_TEMPLATE(BM_SetBit, std::vector<bool>);
 
 // IsOneSet alone on an array whose only set bit is the last one: a full scan.
 void BM_BitArrayIsOneSet(benchmark::State& state)

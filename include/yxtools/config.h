@@ -19,6 +19,21 @@
 #define YXTOOLS_API __attribute__((visibility("default")))
 #endif
 
+// YXTOOLS_API_INLINE marks an exported function that its header also defines inline, so that a
+// host's compiler can inline it. The library exports its own copy; a host compiles the definition
+// itself, so on Windows it is not imported (an inline function cannot be).
+#if defined(YXTOOLS_STATIC)
+#define YXTOOLS_API_INLINE
+#elif defined(_WIN32)
+#if defined(YXTOOLS_BUILDING)
+#define YXTOOLS_API_INLINE __declspec(dllexport)
+#else
+#define YXTOOLS_API_INLINE
+#endif
+#else
+#define YXTOOLS_API_INLINE __attribute__((visibility("default")))
+#endif
+
 // Functions exported with plain, undecorated names.
 #define YXTOOLS_PLAIN extern "C" YXTOOLS_API
 

@@ -100,6 +100,7 @@ public:
     virtual ~YXBitArray();
     YXBitArray& operator=(const YXBitArray& other);
 
+    // False when not ok or past the range. Inline, as is SetValue of one bit: see below.
     bool operator[](unsigned long dwBit) const;
     // True when any word is not 0, spare bits included.
     bool IsOneSet() const;
@@ -108,6 +109,7 @@ public:
     bool SetRange(unsigned long dwRange);
     // Every word all ones or all zeros, spare bits included.
     void SetValue(bool bValue);
+    // Nothing when not ok or past the range.
     void SetValue(unsigned long dwBit, bool bValue);
     unsigned long GetRange() const;
     unsigned long* GetBitArray() const;
@@ -126,6 +128,28 @@ private:
     unsigned long m_dwRange;
     unsigned long* m_pdwBits;
 };
+
+// The one-bit accessors are defined here, where a host's compiler inlines them into its loops: a
+// call into the library would cost several times the access. The library exports them as well,
+// for hosts that take their address or build without inlining. They are declared plainly in the
+// class and defined inline out of it: the library's build hides members defined inside a class.
+inline bool YXBitArray::operator[](unsigned long dwBit) const
+{
+    return m_bOk && dwBit < m_dwRange && (m_pdwBits[dwBit >> 5] & 1UL << (dwBit & 31)) != 0;
+}
+
+inline void YXBitArray::SetValue(unsigned long dwBit, bool bValue)
+{
+    if (!m_bOk || dwBit >= m_dwRange) {
+        return;
+    }
+    const unsigned long mask = 1UL << (dwBit & 31);
+    if (bValue) {
+        m_pdwBits[dwBit >> 5] |= mask;
+    } else {
+        m_pdwBits[dwBit >> 5] &= ~mask;
+    }
+}
 
 // Kinds of movable memory block.
 enum : unsigned {

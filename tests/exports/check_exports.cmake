@@ -28,6 +28,19 @@ if(count LESS 10)
   message(FATAL_ERROR "only ${count} names exported: the interface is missing")
 endif()
 
+# Fails with WHAT and each name of the list NEEDED that the list FOUND lacks.
+function(require_all needed found what)
+  set(missing "")
+  foreach(name IN LISTS ${needed})
+    if(NOT name IN_LIST ${found})
+      string(APPEND missing "  ${name}\n")
+    endif()
+  endforeach()
+  if(NOT missing STREQUAL "")
+    message(FATAL_ERROR "${what}:\n${missing}")
+  endif()
+endfunction()
+
 # Plain functions (extern "C") are exported as they are called, without C++ decoration; each
 # family that adds one lists it here.
 set(plain YXNameProvider_RegisterProviderByString YXNameProvider_GetProviderByString
@@ -35,21 +48,24 @@ set(plain YXNameProvider_RegisterProviderByString YXNameProvider_GetProviderBySt
   CreateHoleManager DestroyHoleManager
   YXHugePtr_Allocate YXHugePtr_ReAllocate YXHugePtr_Lock YXHugePtr_Unlock YXHugePtr_Free YXHugePtr_Size
   YXHugePtr_GetHandle YXHugePtr_Flags YXHugePtr_Duplicate YXHugePtr_FromBuffer YXHugePtr_ToBuffer)
-set(missing "")
-foreach(name IN LISTS plain)
-  if(NOT name IN_LIST entries)
-    string(APPEND missing "  ${name}\n")
-  endif()
-endforeach()
-if(NOT missing STREQUAL "")
-  message(FATAL_ERROR "plain functions not exported under their own names:\n${missing}")
-endif()
+require_all(plain entries "plain functions not exported under their own names")
 
 execute_process(COMMAND ${CXXFILT} ${entries} OUTPUT_VARIABLE demangled RESULT_VARIABLE status)
 if(NOT status EQUAL 0)
   message(FATAL_ERROR "${CXXFILT} failed")
 endif()
 string(REGEX MATCHALL "[^\n]+" names "${demangled}")
+# Members and functions that the headers define inline, for a host's compiler to inline: the
+# library exports its own copies all the same.
+set(inline_defined
+  "YXBitArray::operator[](unsigned long) const"
+  "YXBitArray::SetValue(unsigned long, bool)"
+  "YXDate_DateToGregorian(DISKDATE const&)"
+  "YXDate_DateToGregorian(unsigned short, unsigned short, unsigned short)"
+  "YXDate_GregorianToDate(long, DISKDATE&)"
+  "YXDate_GregorianToDate(long, DISKDATETIME&)")
+require_all(inline_defined names "functions defined inline in the headers but not exported")
+
 set(allowed "^(YX|_SS<|IsWin9XVersion|String_|StringCopy|File_|Path_|CreateHoleManager|DestroyHoleManager|(vtable|typeinfo|typeinfo name|VTT) for YX)")
 set(foreign "")
 foreach(name IN LISTS names)
