@@ -1,6 +1,7 @@
 // The fold tables of code page 932 that String_InitTables builds from the platform's mappings,
-// compared with the tables built the same way under Wine's Win32 (fold932_wine.inc). Run the
-// Windows build's program under Wine with YXTOOLS_FOLD_DUMP set to a file name to remake it.
+// compared with the tables built the same way under Wine's Win32 (tests/data/fold932_wine.txt).
+// Run the Windows build's program under Wine with YXTOOLS_FOLD_DUMP set to that file's name to
+// remake it.
 #include <cstdlib>
 #include <cstdio>
 #include <fstream>

@@ -4,8 +4,9 @@
 // flags. The program runs under one locale (LC_ALL, set by the build) and compares its answers,
 // in order, with those that Wine gave under the same locale.
 //
-// To remake the answers, run the Windows build's program under Wine with YXTOOLS_NLS_DUMP set to
-// a file name: the answers are written there, one a line.
+// Wine's answers are tests/data/nls<code page>_wine.txt. To remake them, run the Windows build's
+// program under Wine with YXTOOLS_NLS_DUMP set to that file's name: the answers are written there,
+// one a line.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -25,9 +26,9 @@ namespace {
 
 const char* const kWine[] = {
 #if YXTOOLS_NLS_CODE_PAGE == 932
-#include "nls/wine932.inc"
+#include "nls932_wine.inc"
 #else
-#include "nls/wine1252.inc"
+#include "nls1252_wine.inc"
 #endif
 };
 
