@@ -27,6 +27,7 @@
 #include "platform/posix/prefix.h"
 #include "platform/posix/profile/localedata.h"
 #include "platform/posix/profile/winini.h"
+#include "platform/win32.h" // the registry stand-in's database check
 #endif
 
 namespace {
