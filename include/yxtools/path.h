@@ -58,11 +58,25 @@ public:
     static bool Make(_SS<char>& output, const _SS<char>* pDrive, const _SS<char>* pDirectory, const _SS<char>* pName,
                      const _SS<char>* pExtension);
 
+    // The form under which other machines reach the file of a drive path: on a network drive the
+    // drive's network name followed by the rest of the path; on a local drive
+    // "\\COMPUTER\share\rest" through the local disk share with the longest path that covers the
+    // path's folder. Any path that can't be converted (UNC already, relative, a URL, no share)
+    // comes back unchanged; IsUNCPath on the result tells which it was.
+    static _SS<char> ToUNC(const _SS<char>& path);
+
 protected:
+    // The conversion behind ToUNC.
+    static _SS<char> W32ConvertToUNCPath(const _SS<char>& path);
+
     // The route of Split for paths of 255 bytes or more, which the runtime's buffers can't take:
     // the drive from the runtime, the rest cut byte by byte without regard to the code page.
     static bool SlowSplit(const _SS<char>& path, _SS<char>* pDrive, _SS<char>* pDirectory, _SS<char>* pName,
                           _SS<char>* pExtension);
 };
+
+// The full path of the sibling module "YXKernel.dll" when the process has loaded it (nothing is
+// loaded here): true and the path in `path`; else false, and `path` keeps its text.
+YXTOOLS_API bool Path_GetFromKernel(_SS<char>& path);
 
 #endif
