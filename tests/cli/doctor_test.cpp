@@ -82,6 +82,8 @@ TEST_F(DoctorTest, PreparedPrefixShowsTheDatabaseAndTheWinIniKeysOverTheLocale)
     cli_test::Environment env = Locale({{"LC_ALL", "C"}});
     env["YXTOOLS_PREFIX"] = Prefix().string();
     ASSERT_EQ(cli_test::Run({"reg", "set", "Doctor", "Name", "value"}, env).status, 0);
+    fs::create_directories(Prefix() / "dosdevices");
+    fs::create_directory_symlink(Prefix() / "drive_c", Prefix() / "dosdevices" / "c:");
     Write(Prefix() / "drive_c" / "windows" / "win.ini",
           "[fonts]\nsDecimal=?\n[Intl]\n sDecimal = \",\" \nsDecimal=;\niDate=1\n[intl]\nsList=|\n");
 
@@ -96,6 +98,9 @@ TEST_F(DoctorTest, PreparedPrefixShowsTheDatabaseAndTheWinIniKeysOverTheLocale)
     // The first section of the name and the first key of a name count; the rest is never read.
     EXPECT_EQ(doc["win_ini"]["intl"], ordered_json::parse(R"([{"key":"sDecimal","value":","},
                                                               {"key":"iDate","value":"1"}])"));
+    ASSERT_EQ(doc["drives"].size(), 1U);
+    EXPECT_EQ(doc["drives"][0]["letter"], "C:");
+    EXPECT_EQ(doc["drives"][0]["target"], (Prefix() / "drive_c").string());
     EXPECT_EQ(doc["problems"], ordered_json::array());
 
     const cli_test::Outcome text = Run(false, {{"LC_ALL", "de_DE.UTF-8"}});
@@ -116,12 +121,16 @@ TEST_F(DoctorTest, BrokenDriveLinkAndCorruptDatabaseAreProblems)
     EXPECT_EQ(doc["registry"]["exists"], true);
     EXPECT_EQ(doc["registry"]["size"], 4096);
     EXPECT_TRUE(doc["registry"]["layout"].is_null());
-    ASSERT_FALSE(doc["problems"].empty());
+    ASSERT_EQ(doc["problems"].size(), 2U) << doc.dump();
     EXPECT_TRUE(Has(doc["problems"][0].get<std::string>(), "registry.db: file is not a database")) << doc.dump();
+    EXPECT_TRUE(Has(doc["problems"][1].get<std::string>(), "drive D: links to nothing")) << doc.dump();
+    ASSERT_EQ(doc["drives"].size(), 1U);
+    EXPECT_EQ(doc["drives"][0]["letter"], "D:");
 
     const cli_test::Outcome text = Run(false);
     EXPECT_EQ(text.status, 1);
     EXPECT_TRUE(Has(text.out, "problem: registry: " + (Prefix() / "registry.db").string())) << text.out;
+    EXPECT_TRUE(Has(text.out, "\nproblem: drive D: links to nothing")) << text.out;
     EXPECT_FALSE(Has(text.out, "no problems"));
     // The database is left as it was.
     EXPECT_EQ(fs::file_size(Prefix() / "registry.db"), 4096U);

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "cli.h"
-#include "drives_facts_hook.h"
+#include "drives_facts.h"
 #include "edge.h"
 
 #if defined(_WIN32)
@@ -92,41 +92,38 @@ Json TextMember(const std::string& key, const std::string& text)
     return object;
 }
 
-// Drive links and shares, from the collector that `yxtools drives` shows.
+std::string Member(const Json& object, const char* key)
+{
+    return object.contains(key) && object[key].is_string() ? object[key].get<std::string>() : std::string();
+}
+
+// Drive links and shares, from the collector that `yxtools drives` shows in full. Its texts are
+// UTF-8, as JSON's are.
 void Drives(Report& report)
 {
-    const cli::drives::Facts facts = cli::drives::Collect();
-    Json drives = Json::array();
-    for (const cli::drives::Drive& drive : facts.drives) {
-        Json entry = Json::object();
-        entry["drive"] = drive.name;
-        cli::SetText(entry, "target", PathText(drive.target));
-        entry["type"] = drive.type;
-        drives.push_back(std::move(entry));
-        report.Line("drives", drive.name + " -> " + PathText(drive.target) + " (" + drive.type + ")");
-        if (!drive.problem.empty()) {
-            report.Problem("drive " + drive.name + ": " + drive.problem);
-        }
+    const cli::DriveFacts facts = cli::CollectDriveFacts();
+    const Json& drives = facts.facts["drives"];
+    const Json& shares = facts.facts["shares"];
+    for (const Json& drive : drives) {
+        report.Line("drives", Member(drive, "letter") + " -> " + PathText(Member(drive, "target")) + " (" +
+                                  Member(drive, "type_name") + ")");
     }
-    if (facts.drives.empty()) {
+    if (drives.empty()) {
         report.Line("drives", "none");
     }
-    Json shares = Json::array();
-    for (const cli::drives::Share& share : facts.shares) {
-        Json entry = Json::object();
-        cli::SetText(entry, "share", share.name);
-        cli::SetText(entry, "target", PathText(share.target));
-        shares.push_back(std::move(entry));
-        report.Line("shares", share.name + " -> " + PathText(share.target));
-        if (!share.problem.empty()) {
-            report.Problem("share " + share.name + ": " + share.problem);
-        }
+    for (const Json& share : shares) {
+        const std::string path = share["path"].is_string() ? PathText(share["path"].get<std::string>()) : "(no path)";
+        report.Line("shares", Member(share, "name") + " -> " + path +
+                                  (share["considered"].get<bool>() ? "" : " (not for the UNC route)"));
     }
-    if (facts.shares.empty()) {
+    if (shares.empty()) {
         report.Line("shares", "none");
     }
-    report.Result()["drives"] = std::move(drives);
-    report.Result()["shares"] = std::move(shares);
+    report.Result()["drives"] = drives;
+    report.Result()["shares"] = shares;
+    for (const std::string& problem : facts.problems) {
+        report.Problem(problem);
+    }
 }
 
 #if defined(_WIN32)
