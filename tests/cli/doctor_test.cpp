@@ -231,6 +231,8 @@ TEST(DoctorTest, WindowsReportsWhatWin32Gives)
     EXPECT_EQ(doc["platform"], "windows");
     EXPECT_EQ(doc["code_page"]["from"], "GetACP");
     EXPECT_FALSE(doc["prefix"]["windows_folder"].get<std::string>().empty());
+    ASSERT_FALSE(doc["drives"].empty());
+    EXPECT_EQ(doc["drives"][0]["letter"], "C:");
     EXPECT_EQ(doc["problems"], ordered_json::array());
     const cli_test::Outcome text = cli_test::Run({"doctor"});
     EXPECT_EQ(text.status, 0);
