@@ -266,8 +266,9 @@ void Locale(Report& report)
         }
     }
     for (const auto& [name, labels] : missing) {
-        report.Problem("locale " + name + " (" + labels +
-                       "): ICU has no data for it; section intl gives the host's defaults");
+        std::string problem = "locale " + name;
+        problem += " (" + labels + "): ICU has no data for it; section intl gives the host's defaults";
+        report.Problem(problem);
     }
     report.Result()["locale"] = std::move(locales);
 }
@@ -306,7 +307,9 @@ void WinIni(Report& report)
     }
     report.Line("win.ini", PathText(path) + ": " + std::to_string(keys.size()) + " key(s) of [intl] over the locale");
     for (const auto& [key, value] : keys) {
-        report.Line("win.ini", "  " + key + "=\"" + value + "\"");
+        std::string line = "  " + key;
+        line += "=\"" + value + "\"";
+        report.Line("win.ini", line);
     }
     if (!read) {
         report.Problem("win.ini: " + PathText(path) + " cannot be read");
