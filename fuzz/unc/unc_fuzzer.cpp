@@ -9,15 +9,16 @@
 
 namespace {
 
-// Bytes that make paths and share paths meet often.
-const char kAlphabet[] = {'c', 'C', 'd', ':', '\\', '/', 'a', 'A', '.', 'x', '$', static_cast<char>(0xE9)};
-
+// Paths and share paths made of pieces that meet often: a drive (or none), then names, dots and
+// separators of both kinds, in either case.
 std::string Text(FuzzInput& in, std::size_t most)
 {
-    const std::size_t n = in.Below(static_cast<unsigned>(most + 1));
-    std::string text;
-    for (std::size_t i = 0; i < n; ++i) {
-        text.push_back(kAlphabet[in.Below(sizeof kAlphabet)]);
+    static const char* const kDrives[] = {"C:", "c:", "D:", "X:", "", "\\\\", "C:\\"};
+    static const char* const kPieces[] = {"\\", "\\", "/", "data", "DATA", "da", "d", "a.txt", "x", "\xE9", ".", "$"};
+    std::string text = kDrives[in.Below(sizeof kDrives / sizeof kDrives[0])];
+    const unsigned pieces = in.Below(static_cast<unsigned>(most + 1));
+    for (unsigned i = 0; i < pieces; ++i) {
+        text += kPieces[in.Below(sizeof kPieces / sizeof kPieces[0])];
     }
     return text;
 }
@@ -47,9 +48,8 @@ std::string Model(const std::string& path, const unc_fake::Facts& facts)
         return remote == facts.remote.end() ? path : remote->second + path.substr(2);
     }
     const std::size_t lastSeparator = path.find_last_of("\\/");
-    const std::string folder = lastSeparator == std::string::npos || lastSeparator < 2
-                                   ? path.substr(0, 2)
-                                   : path.substr(0, lastSeparator + 1);
+    const std::string folder =
+        lastSeparator == std::string::npos || lastSeparator < 2 ? path.substr(0, 2) : path.substr(0, lastSeparator + 1);
     const std::string rest = path.substr(folder.size());
     const std::string search = Lower(folder);
     std::string result = path;
@@ -94,14 +94,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const char letter : {'C', 'D', 'X'}) {
         facts.driveTypes[letter] = kTypes[in.Below(7)];
         if (in.Below(2) == 1) {
-            facts.remote[letter] = "\\\\s\\" + Text(in, 6);
+            facts.remote[letter] = "\\\\s\\" + Text(in, 2);
         }
     }
     const unsigned count = in.Below(9);
     for (unsigned i = 0; i < count; ++i) {
         unc_fake::Share share;
         share.name = "s" + std::to_string(i);
-        share.path = Text(in, 12);
+        share.path = Text(in, 4);
         share.type = in.Below(4) == 0 ? (in.Below(2) == 0 ? STYPE_SPECIAL : STYPE_PRINTQ) : STYPE_DISKTREE;
         share.nullPath = in.Below(8) == 0;
         facts.shares.push_back(share);
@@ -109,7 +109,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     facts.batch = 1 + in.Below(4);
     facts.refuseCall = static_cast<int>(in.Below(6)) - 1;
     facts.computerFails = in.Below(8) == 0;
-    std::string path = Text(in, 40);
+    std::string path = Text(in, 8);
     if (in.Below(4) == 0) {
         path += std::string(in.Below(300), 'a'); // the long route of Split
     }

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include <yxtools/memory.h>
+#include <yxtools/path.h>
 
 namespace {
 
@@ -51,6 +52,19 @@ TEST(PublicMembers, MemoryFamilyLinks)
     EXPECT_EQ(other.GetRange(), 64u);
     EXPECT_EQ(other.GetByteSize(), 16u);
     EXPECT_EQ(other.GetBitArray()[0], 8u);
+}
+
+} // namespace
+
+namespace {
+
+// UNC conversion and the sibling module's location are exported under their C++ names.
+TEST(PublicMembers, UncConversionLinks)
+{
+    EXPECT_EQ(YXPath::ToUNC("dir\\a.txt"), "dir\\a.txt");
+    _SS<char> path = "kept";
+    EXPECT_FALSE(Path_GetFromKernel(path));
+    EXPECT_EQ(path, "kept");
 }
 
 } // namespace

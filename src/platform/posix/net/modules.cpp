@@ -5,6 +5,7 @@
 #include <cctype>
 #include <climits>
 #include <cstring>
+#include <functional>
 #include <string>
 
 #include "platform/win32.h"
@@ -46,13 +47,32 @@ bool Stands(const std::string& file, const std::string& stem, const std::string&
     return false;
 }
 
-struct Search {
-    std::string stem;  // module name asked for, lower case, without ".dll"
-    std::string asked; // the whole name asked for, lower case
-    void* handle;      // in: the handle to find the file of; out: the handle found
-    std::string file;  // the object's file
-    bool found;
+struct Found {
+    void* handle = nullptr; // where the object's image starts
+    std::string file;       // its file; empty for the program
+    bool found = false;
 };
+
+// The first loaded object (the program first, with an empty name) that `match` accepts.
+Found FindObject(const std::function<bool(const dl_phdr_info*, bool program)>& match)
+{
+    struct Walk {
+        const std::function<bool(const dl_phdr_info*, bool)>* match;
+        Found found;
+    } walk{&match, {}};
+    dl_iterate_phdr(
+        [](dl_phdr_info* info, std::size_t, void* data) {
+            auto* w = static_cast<Walk*>(data);
+            const bool program = info->dlpi_name == nullptr || info->dlpi_name[0] == '\0';
+            if (!(*w->match)(info, program)) {
+                return 0;
+            }
+            w->found = {ImageStart(info), program ? std::string() : std::string(info->dlpi_name), true};
+            return 1;
+        },
+        &walk);
+    return walk.found;
+}
 
 std::string ProgramFile()
 {
@@ -65,77 +85,51 @@ std::string ProgramFile()
 
 HMODULE GetModuleHandleA(LPCSTR lpModuleName)
 {
-    Search search{{}, {}, nullptr, {}, false};
-    if (lpModuleName == nullptr) {
-        search.stem.clear();
-    } else {
+    std::string asked;
+    std::string stem;
+    if (lpModuleName != nullptr) {
         const std::string name = lpModuleName;
         const std::size_t slash = name.find_last_of("\\/");
-        search.asked = Lower(slash == std::string::npos ? name : name.substr(slash + 1));
-        search.stem = search.asked;
-        if (search.stem.find('.') == std::string::npos) {
-            search.asked += ".dll";
-        } else if (search.stem.size() > 4 && search.stem.compare(search.stem.size() - 4, 4, ".dll") == 0) {
-            search.stem.resize(search.stem.size() - 4);
+        asked = Lower(slash == std::string::npos ? name : name.substr(slash + 1));
+        stem = asked;
+        if (stem.find('.') == std::string::npos) {
+            asked += ".dll";
+        } else if (stem.size() > 4 && stem.compare(stem.size() - 4, 4, ".dll") == 0) {
+            stem.resize(stem.size() - 4);
         } else {
-            search.stem.clear();
+            stem = asked;
         }
     }
-    dl_iterate_phdr(
-        [](dl_phdr_info* info, std::size_t, void* data) {
-            auto* s = static_cast<Search*>(data);
-            // The first object is the program, with an empty name.
-            const bool program = info->dlpi_name == nullptr || info->dlpi_name[0] == '\0';
-            if (s->asked.empty() ? program
-                                 : !program && Stands(info->dlpi_name, s->stem.empty() ? s->asked : s->stem, s->asked)) {
-                s->handle = ImageStart(info);
-                s->found = true;
-                return 1;
-            }
-            return 0;
-        },
-        &search);
-    if (!search.found) {
+    const Found found = FindObject([&](const dl_phdr_info* info, bool program) {
+        return lpModuleName == nullptr ? program : !program && Stands(info->dlpi_name, stem, asked);
+    });
+    if (!found.found) {
         SetLastError(ERROR_MOD_NOT_FOUND);
         return nullptr;
     }
-    return search.handle;
+    return found.handle;
 }
 
 DWORD GetModuleFileNameA(HMODULE hModule, LPSTR lpFilename, DWORD nSize)
 {
-    Search search{{}, {}, hModule, {}, false};
-    if (hModule == nullptr) {
-        search.file = ProgramFile();
-        search.found = true;
-    } else {
-        dl_iterate_phdr(
-            [](dl_phdr_info* info, std::size_t, void* data) {
-                auto* s = static_cast<Search*>(data);
-                if (ImageStart(info) == s->handle) {
-                    const bool program = info->dlpi_name == nullptr || info->dlpi_name[0] == '\0';
-                    s->file = program ? ProgramFile() : std::string(info->dlpi_name);
-                    s->found = true;
-                    return 1;
-                }
-                return 0;
-            },
-            &search);
-    }
-    if (!search.found) {
+    Found found = FindObject([hModule](const dl_phdr_info* info, bool program) {
+        return hModule == nullptr ? program : ImageStart(info) == hModule;
+    });
+    if (!found.found) {
         SetLastError(ERROR_MOD_NOT_FOUND);
         return 0;
     }
+    const std::string file = found.file.empty() ? ProgramFile() : found.file;
     if (lpFilename == nullptr || nSize == 0) {
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return 0;
     }
-    if (search.file.size() + 1 > nSize) {
-        std::memcpy(lpFilename, search.file.data(), nSize - 1);
-        lpFilename[nSize - 1] = '\0';
+    if (file.size() + 1 > nSize) {
+        // As Wine answers: the first nSize bytes, with no room left for a NUL.
+        std::memcpy(lpFilename, file.data(), nSize);
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return nSize;
     }
-    std::memcpy(lpFilename, search.file.c_str(), search.file.size() + 1);
-    return static_cast<DWORD>(search.file.size());
+    std::memcpy(lpFilename, file.c_str(), file.size() + 1);
+    return static_cast<DWORD>(file.size());
 }

@@ -89,8 +89,8 @@ std::string NetworkName(const std::string& source)
     std::string rest;
     if (source.size() > 2 && (source.compare(0, 2, "//") == 0 || source.compare(0, 2, "\\\\") == 0)) {
         rest = source.substr(2);
-    } else if (const std::size_t colon = source.find(":/"); colon != std::string::npos && colon > 0 &&
-                                                           source.find('/') > colon) {
+    } else if (const std::size_t colon = source.find(":/");
+               colon != std::string::npos && colon > 0 && source.find('/') > colon) {
         rest = source.substr(0, colon) + source.substr(colon + 1);
     } else {
         return {};
@@ -232,7 +232,8 @@ void ReadSmbConf(std::vector<ShareFact>& shares, std::set<std::string>& seen, st
             joined += line.substr(0, line.size() - 1);
             continue;
         }
-        line = Trim(joined + line);
+        joined += line;
+        line = Trim(joined);
         joined.clear();
         if (line.empty() || line[0] == '#' || line[0] == ';') {
             continue;
@@ -285,7 +286,8 @@ void ReadUsershares(std::vector<ShareFact>& shares, std::set<std::string>& seen,
     closedir(dir);
     std::sort(names.begin(), names.end());
     for (const std::string& fileName : names) {
-        const std::string file = folder + "/" + fileName;
+        std::string file = folder;
+        file.append("/").append(fileName);
         std::ifstream in(file);
         std::string line;
         std::string name = fileName;
@@ -365,12 +367,12 @@ DriveFact Drive(char letter)
     const std::vector<Mount> mounts = ReadMounts(&problem);
     std::size_t best = 0;
     bool found = false;
+    // The table's mount points are canonical paths already; none is looked at on disk, where a
+    // network mount that does not answer would hold the call.
     for (const Mount& mount : mounts) {
-        std::string point = RealFolder(mount.point);
-        point = point.empty() ? mount.point : point;
         // The later of two mounts on one point hides the earlier one.
-        if (Within(fact.folder, point) && (!found || point.size() >= best)) {
-            best = point.size();
+        if (Within(fact.folder, mount.point) && (!found || mount.point.size() >= best)) {
+            best = mount.point.size();
             fact.mount = mount;
             found = true;
         }
@@ -387,9 +389,7 @@ DriveFact Drive(char letter)
         fact.type = DRIVE_REMOTE;
         fact.remoteName = NetworkName(mount.source);
         if (!fact.remoteName.empty()) {
-            std::string point = RealFolder(mount.point);
-            point = point.empty() ? mount.point : point;
-            for (std::size_t i = point == "/" ? 0 : point.size(); i < fact.folder.size(); ++i) {
+            for (std::size_t i = mount.point == "/" ? 0 : mount.point.size(); i < fact.folder.size(); ++i) {
                 fact.remoteName.push_back(fact.folder[i] == '/' ? '\\' : fact.folder[i]);
             }
         }

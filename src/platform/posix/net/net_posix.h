@@ -21,11 +21,12 @@ constexpr UINT DRIVE_REMOTE = 4;
 constexpr UINT DRIVE_CDROM = 5;
 constexpr UINT DRIVE_RAMDISK = 6;
 
-// The type of the drive that "X:" or "X:\" names (any case): its link in <prefix>/dosdevices
+// The type of the drive of "X:", "X:\" or any existing folder on it (any case), as Wine answers:
+// the drive's link in <prefix>/dosdevices
 // leads to a folder on a CIFS, SMB or NFS mount (DRIVE_REMOTE), on an ISO 9660 or UDF file system
-// or an optical device (DRIVE_CDROM), on a removable block device (DRIVE_REMOVABLE), on tmpfs or
-// ramfs (DRIVE_RAMDISK), or elsewhere (DRIVE_FIXED). No link, a link to nothing, or a text that
-// is not the root of a drive: DRIVE_NO_ROOT_DIR. Null asks for the drive of the current folder.
+// or an optical device (DRIVE_CDROM), on a removable block device (DRIVE_REMOVABLE), or
+// elsewhere (DRIVE_FIXED). No link, a link to nothing, a file, a missing folder or a path without
+// a drive letter: DRIVE_NO_ROOT_DIR. Null asks for the drive of the current folder.
 YX_PLATFORM UINT GetDriveTypeA(LPCSTR lpRootPathName);
 
 constexpr DWORD UNIVERSAL_NAME_INFO_LEVEL = 1;
@@ -44,9 +45,8 @@ struct REMOTE_NAME_INFOA {
 // ("//server/share" or NFS's "server:/export", written "\\server\share"), then the drive's folder
 // below the mount, then the path behind the drive. The record and its texts go into the caller's
 // buffer; a buffer too small gives ERROR_MORE_DATA and the size needed in *lpBufferSize. A drive
-// that is not a network drive gives ERROR_NOT_CONNECTED, a path without a drive ERROR_BAD_DEVICE.
-YX_PLATFORM DWORD WNetGetUniversalNameA(LPCSTR lpLocalPath, DWORD dwInfoLevel, LPVOID lpBuffer,
-                                        DWORD* lpBufferSize);
+// that is not a network drive, or a path without a drive letter, gives ERROR_NOT_CONNECTED.
+YX_PLATFORM DWORD WNetGetUniversalNameA(LPCSTR lpLocalPath, DWORD dwInfoLevel, LPVOID lpBuffer, DWORD* lpBufferSize);
 
 using NET_API_STATUS = DWORD;
 using LMSTR = WCHAR*;
@@ -104,7 +104,8 @@ YX_PLATFORM int WideCharToMultiByte(UINT CodePage, DWORD dwFlags, LPCWSTR lpWide
 using HMODULE = void*;
 YX_PLATFORM HMODULE GetModuleHandleA(LPCSTR lpModuleName);
 // The full POSIX path of the module's file (null: the program's). A buffer too small gets the
-// path cut to nSize - 1 bytes and a NUL, the result nSize and ERROR_INSUFFICIENT_BUFFER; a handle
+// first nSize bytes of the path and no NUL (as Wine gives it), the result nSize and
+// ERROR_INSUFFICIENT_BUFFER; a handle
 // that is no module gives 0 and ERROR_MOD_NOT_FOUND.
 YX_PLATFORM DWORD GetModuleFileNameA(HMODULE hModule, LPSTR lpFilename, DWORD nSize);
 

@@ -22,14 +22,20 @@ namespace {
 
 namespace net = yx::platform::net;
 
-// The letter of "X:" or "X:\" (also "X:/"), else 0.
-char RootLetter(const char* root)
+// The letter of a path that starts with "X:", else 0.
+char DriveLetter(const char* path)
 {
-    if (root == nullptr || std::isalpha(static_cast<unsigned char>(root[0])) == 0 || root[1] != ':') {
-        return 0;
+    return path != nullptr && std::isalpha(static_cast<unsigned char>(path[0])) != 0 && path[1] == ':' ? path[0] : 0;
+}
+
+// True when the rest of the path behind "X:" names the drive's root: nothing, or separators only.
+bool NamesTheRoot(const char* path)
+{
+    const char* rest = path + 2;
+    while (*rest == '\\' || *rest == '/') {
+        ++rest;
     }
-    const bool bare = root[2] == '\0' || ((root[2] == '\\' || root[2] == '/') && root[3] == '\0');
-    return bare ? root[0] : 0;
+    return *rest == '\0';
 }
 
 // The drive whose folder holds the current folder, else 0.
@@ -90,10 +96,22 @@ bool IsThisComputer(const WCHAR* server)
 
 UINT GetDriveTypeA(LPCSTR lpRootPathName)
 {
-    const char letter = lpRootPathName == nullptr ? CurrentLetter() : RootLetter(lpRootPathName);
-    if (letter == 0) {
+    if (lpRootPathName == nullptr) {
+        const char current = CurrentLetter();
         // The current folder on no drive lies on the POSIX root, a fixed disk.
-        return lpRootPathName == nullptr ? DRIVE_FIXED : DRIVE_NO_ROOT_DIR;
+        return current == 0 ? DRIVE_FIXED : net::Drive(current).type;
+    }
+    // As Wine answers: any existing folder of a drive gives the drive's type, a file or a missing
+    // name DRIVE_NO_ROOT_DIR; so does a path without a drive letter.
+    const char letter = DriveLetter(lpRootPathName);
+    if (letter == 0) {
+        return DRIVE_NO_ROOT_DIR;
+    }
+    if (!NamesTheRoot(lpRootPathName)) {
+        const yx::platform::files::Resolved folder = yx::platform::files::ResolvePath(lpRootPathName);
+        if (folder.error != ERROR_SUCCESS || !folder.exists || !folder.directory) {
+            return DRIVE_NO_ROOT_DIR;
+        }
     }
     return net::Drive(letter).type;
 }
@@ -106,8 +124,9 @@ DWORD WNetGetUniversalNameA(LPCSTR lpLocalPath, DWORD dwInfoLevel, LPVOID lpBuff
     if (dwInfoLevel != UNIVERSAL_NAME_INFO_LEVEL && dwInfoLevel != REMOTE_NAME_INFO_LEVEL) {
         return ERROR_INVALID_LEVEL;
     }
-    if (std::isalpha(static_cast<unsigned char>(lpLocalPath[0])) == 0 || lpLocalPath[1] != ':') {
-        return ERROR_BAD_DEVICE;
+    // A path without a drive letter is no redirected device either, as Wine answers.
+    if (DriveLetter(lpLocalPath) == 0) {
+        return ERROR_NOT_CONNECTED;
     }
     const net::DriveFact drive = net::Drive(lpLocalPath[0]);
     if (drive.type != DRIVE_REMOTE || drive.remoteName.empty()) {
