@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
 # Installs what building and testing YXTools needs on a Debian 12 machine. Safe to run again:
 # packages that are there already are left alone.
-#   scripts/install-deps.sh           the POSIX build
+#   scripts/install-deps.sh           the POSIX build (and the Debian package: dpkg-dev gives
+#                                     dpkg-shlibdeps, which computes its Depends line)
 #   scripts/install-deps.sh windows   also the mingw-w64 cross compiler and Wine
 #   scripts/install-deps.sh fuzz      also clang 14 and its libFuzzer (the fuzz preset)
 # The two words may be given together.
 set -euo pipefail
 
 packages=(g++ cmake make pkg-config googletest libgtest-dev libbenchmark-dev libicu-dev libsqlite3-dev
-          libcli11-dev nlohmann-json3-dev jq
+          libcli11-dev nlohmann-json3-dev jq dpkg-dev
           clang-format clang-tidy)
 if [[ " $* " == *" windows "* ]]; then
   # wine64 holds the loader and the server; the wine, wineserver and wineboot commands are in wine,

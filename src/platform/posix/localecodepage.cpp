@@ -39,15 +39,20 @@ std::string Lower(std::string text)
 
 namespace yx::platform {
 
-const char* LocaleVariable(const char* category)
+LocaleChoice ChooseLocale(const char* category)
 {
     for (const char* variable : {"LC_ALL", category, "LANG"}) {
         const char* value = variable != nullptr ? std::getenv(variable) : nullptr;
         if (value != nullptr && *value != '\0') {
-            return value;
+            return {variable, value};
         }
     }
-    return "C";
+    return {nullptr, "C"};
+}
+
+const char* LocaleVariable(const char* category)
+{
+    return ChooseLocale(category).name;
 }
 
 const char* UserLocaleName()

@@ -6,6 +6,14 @@
 
 namespace yx::platform {
 
+// The locale name that rules a category and the variable it was read from (null when none is
+// set and the name is "C").
+struct LocaleChoice {
+    const char* variable;
+    const char* name;
+};
+LocaleChoice ChooseLocale(const char* category);
+
 // The locale name that rules a category, as the C library picks it: LC_ALL, else the category's
 // own variable (none when null), else LANG; "C" when none is set. Read at each call.
 const char* LocaleVariable(const char* category);

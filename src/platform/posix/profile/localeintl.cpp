@@ -2,7 +2,6 @@
 #include "platform/posix/profile/localeintl.h"
 
 #include <cctype>
-#include <cstring>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -17,6 +16,7 @@
 #include <unicode/unum.h>
 
 #include "platform/posix/codepage.h"
+#include "platform/posix/profile/localedata.h"
 
 namespace {
 
@@ -45,16 +45,6 @@ const char* CategoryOf(const std::string& lowerKey)
     };
     const auto found = categories.find(lowerKey);
     return found == categories.end() ? nullptr : found->second;
-}
-
-// language[_territory] of a POSIX name, as ICU spells it; C and POSIX read as en_US, as Wine does.
-std::string IcuName(const std::string& posixName)
-{
-    std::string base = posixName.substr(0, posixName.find_first_of(".@"));
-    if (base.empty() || base == "C" || base == "POSIX") {
-        return "en_US";
-    }
-    return base;
 }
 
 // Windows' three-letter language names where they are not ISO 639-2 in capitals.
@@ -354,23 +344,12 @@ Table MakeTable(const std::string& icuName)
     Table table;
     const char* locale = icuName.c_str();
     // A language that ICU has no data for falls back to another locale's: then nothing is answered.
-    UErrorCode status = U_ZERO_ERROR;
-    UNumberFormat* probe = unum_open(UNUM_DECIMAL, nullptr, 0, locale, nullptr, &status);
-    const char* actual = U_SUCCESS(status) ? unum_getLocaleByType(probe, ULOC_ACTUAL_LOCALE, &status) : nullptr;
-    char wanted[ULOC_LANG_CAPACITY] = {};
-    char found[ULOC_LANG_CAPACITY] = {};
-    UErrorCode languageStatus = U_ZERO_ERROR;
-    uloc_getLanguage(locale, wanted, sizeof(wanted), &languageStatus);
-    if (actual != nullptr) {
-        uloc_getLanguage(actual, found, sizeof(found), &languageStatus);
-    }
-    unum_close(probe);
-    if (U_FAILURE(status) || U_FAILURE(languageStatus) || wanted[0] == '\0' || std::strcmp(wanted, found) != 0) {
+    if (!yx::platform::HasLocaleData(icuName)) {
         return table;
     }
     table["slanguage"] = WindowsLanguage(icuName);
     char territory[ULOC_COUNTRY_CAPACITY] = {};
-    status = U_ZERO_ERROR;
+    UErrorCode status = U_ZERO_ERROR;
     uloc_getCountry(locale, territory, sizeof(territory), &status);
     if (U_SUCCESS(status) && territory[0] != '\0') {
         const UText country =
@@ -401,7 +380,7 @@ bool IntlLocaleValue(const std::string& key, std::string& value)
     static std::mutex lock;
     static std::map<std::string, Table> tables;
     const std::string lowerKey = Lower(key);
-    const std::string icuName = IcuName(LocaleVariable(CategoryOf(lowerKey)));
+    const std::string icuName = IcuLocaleName(LocaleVariable(CategoryOf(lowerKey)));
     const std::string cacheKey = icuName + "/" + std::to_string(GetACP());
     const std::lock_guard<std::mutex> guard(lock);
     auto found = tables.find(cacheKey);

@@ -6,80 +6,27 @@
 #include <cctype>
 #include <cstdint>
 #include <cstring>
-#include <fstream>
-#include <sstream>
 #include <string>
 
-#include "platform/posix/prefix.h"
 #include "platform/posix/profile/localeintl.h"
+#include "platform/posix/profile/winini.h"
 #include "platform/win32.h"
 
 namespace {
 
-bool SameText(const std::string& a, const char* b)
-{
-    const std::size_t length = std::strlen(b);
-    if (a.size() != length) {
-        return false;
-    }
-    for (std::size_t i = 0; i < length; ++i) {
-        if (std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i]))) {
-            return false;
-        }
-    }
-    return true;
-}
-
-std::string Trim(const std::string& text)
-{
-    const char* blanks = " \t\r\n\v\f";
-    const std::size_t first = text.find_first_not_of(blanks);
-    if (first == std::string::npos) {
-        return std::string();
-    }
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
-// The value of key in the first section of that name, with Windows' file rules: names without
-// regard to case, blanks around names and values dropped, one pair of matching quotes taken off,
-// ";" starting a comment line, a line without "=" holding no value. False when the file is
-// missing or unreadable, or has no such key.
+// The value of key in the first section of that name in the prefix's win.ini. False when the
+// file is missing or unreadable, or has no such key.
 bool FromWinIni(const char* section, const char* key, std::string& value)
 {
-    std::ifstream file(yxposix::Prefix() + "/drive_c/windows/win.ini", std::ios::binary);
-    if (!file) {
-        return false;
-    }
-    enum class State { Before, Inside, After } state = State::Before;
-    std::string line;
-    while (state != State::After && std::getline(file, line)) {
-        const std::string text = Trim(line);
-        if (text.empty() || text[0] == ';') {
-            continue;
+    bool found = false;
+    yxposix::ForEachWinIniKey(yxposix::WinIniPath(), section, [&](const std::string& name, const std::string& text) {
+        found = yxposix::SameProfileName(name, key);
+        if (found) {
+            value = text;
         }
-        if (text[0] == '[') {
-            if (state == State::Inside) {
-                state = State::After;
-            } else {
-                const std::size_t close = text.find(']');
-                if (SameText(Trim(text.substr(1, close == std::string::npos ? std::string::npos : close - 1)),
-                             section)) {
-                    state = State::Inside;
-                }
-            }
-            continue;
-        }
-        const std::size_t equals = text.find('=');
-        if (state != State::Inside || equals == std::string::npos || !SameText(Trim(text.substr(0, equals)), key)) {
-            continue;
-        }
-        value = Trim(text.substr(equals + 1));
-        if (value.size() >= 2 && (value[0] == '"' || value[0] == '\'') && value.back() == value[0]) {
-            value = value.substr(1, value.size() - 2);
-        }
-        return true;
-    }
-    return false;
+        return !found;
+    });
+    return found;
 }
 
 bool Lookup(const char* section, const char* key, std::string& value)
@@ -87,7 +34,7 @@ bool Lookup(const char* section, const char* key, std::string& value)
     if (FromWinIni(section, key, value)) {
         return true;
     }
-    return SameText(section, "intl") && yx::platform::IntlLocaleValue(key, value);
+    return yxposix::SameProfileName(section, "intl") && yx::platform::IntlLocaleValue(key, value);
 }
 
 } // namespace

@@ -716,3 +716,54 @@ LSTATUS RegEnumValueA(HKEY hKey, DWORD dwIndex, LPSTR lpValueName, LPDWORD lpcch
                         lpcbData);
     });
 }
+
+namespace yxposix {
+
+RegistryDatabase InspectRegistryDatabase()
+{
+    RegistryDatabase report;
+    report.path = DatabasePath();
+    struct stat st {};
+    if (stat(report.path.c_str(), &st) != 0) {
+        if (errno != ENOENT && errno != ENOTDIR) {
+            report.problem = std::strerror(errno);
+        }
+        return report;
+    }
+    report.exists = true;
+    if (!S_ISREG(st.st_mode)) {
+        report.problem = "not a file";
+        return report;
+    }
+    report.size = static_cast<long long>(st.st_size);
+    // Opened as the calls open it, but never created: SQLite's own -wal and -shm files come and
+    // go with the connection.
+    sqlite3* db = nullptr;
+    int rc = sqlite3_open_v2(report.path.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr);
+    if (rc == SQLITE_OK) {
+        sqlite3_busy_timeout(db, kBusyTimeoutMs);
+        rc = LayoutVersion(db, &report.layout);
+    }
+    if (rc == SQLITE_OK) {
+        Statement check(db, "PRAGMA integrity_check");
+        rc = check.Step();
+        if (rc == SQLITE_ROW) {
+            const unsigned char* line = sqlite3_column_text(*check, 0);
+            report.integrity = line != nullptr ? reinterpret_cast<const char*>(line) : "";
+            rc = SQLITE_OK;
+        }
+    }
+    if (rc != SQLITE_OK) {
+        report.layout = -1;
+        report.problem = db != nullptr ? sqlite3_errmsg(db) : sqlite3_errstr(rc);
+    } else if (report.integrity != "ok") {
+        report.problem = "integrity check: " + report.integrity;
+    } else if (report.layout != 0 && report.layout != kLayoutVersion) {
+        report.problem = "a database of another layout (user_version " + std::to_string(report.layout) +
+                         "): reads give their defaults and writes fail";
+    }
+    sqlite3_close_v2(db);
+    return report;
+}
+
+} // namespace yxposix

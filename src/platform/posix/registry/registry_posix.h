@@ -12,6 +12,7 @@
 #define YXTOOLS_PLATFORM_POSIX_REGISTRY_POSIX_H
 
 #include <cstdint>
+#include <string>
 
 struct HKEY__;
 using HKEY = HKEY__*;
@@ -94,6 +95,19 @@ YX_PLATFORM LSTATUS RegEnumValueA(HKEY hKey, DWORD dwIndex, LPSTR lpValueName, L
                                   LPDWORD lpReserved, LPDWORD lpType, LPBYTE lpData, LPDWORD lpcbData);
 
 namespace yxposix {
+
+// The registry database of the current prefix as `yxtools doctor` shows it, read without creating
+// or changing anything.
+struct RegistryDatabase {
+    std::string path;
+    bool exists = false;
+    long long size = -1;   // bytes of the file
+    int layout = -1;       // its user_version: 0 until the first write makes the layout; -1 unread
+    std::string integrity; // the first line of PRAGMA integrity_check ("ok"), when it ran
+    std::string problem;   // why it cannot serve as the registry; empty when it can (or is missing)
+};
+YX_PLATFORM RegistryDatabase InspectRegistryDatabase();
+
 // Test seam: a function that RegQueryValueExA calls first, before it looks at anything (null for
 // none), so that a test can change the registry between two queries of a reader.
 YX_PLATFORM void SetRegistryQueryHook(void (*hook)());
