@@ -1,8 +1,9 @@
-// _SS<T>: the library's string, a thin layer over std::basic_string<T>.
-//
-// _SS<char> is the byte string in which all text crosses the interface; _SS<unsigned short>
-// is the wide string. On top of the standard string it adds tolerant construction from a text
-// pointer, assignment that recognises its own storage, bounded printf-style formatting and Right.
+/// @file
+/// _SS<T>: the library's string, a thin layer over std::basic_string<T>.
+///
+/// _SS<char> is the byte string in which all text crosses the interface; _SS<unsigned short>
+/// is the wide string. On top of the standard string it adds tolerant construction from a text
+/// pointer, assignment that recognises its own storage, bounded printf-style formatting and Right.
 #ifndef YXTOOLS_SS_H
 #define YXTOOLS_SS_H
 
@@ -21,8 +22,8 @@ public:
     using size_type = typename Base::size_type;
 
     _SS() = default;
-    // A pointer value below 0x10000, null included, is taken for "no text": the platform's
-    // resource identifiers live there.
+    /// A pointer value below 0x10000, null included, is taken for "no text": the platform's
+    /// resource identifiers live there.
     _SS(const T* p) // NOLINT(google-explicit-constructor): text pointers convert, as in every host
     {
         if (reinterpret_cast<std::uintptr_t>(p) >= 0x10000) {
@@ -37,8 +38,8 @@ public:
     _SS(_SS&&) noexcept = default;
     ~_SS() = default;
 
-    // Null empties the string; a pointer into the string's own text (its terminator included)
-    // keeps the text from there on; anything else is copied up to its first NUL.
+    /// Null empties the string; a pointer into the string's own text (its terminator included)
+    /// keeps the text from there on; anything else is copied up to its first NUL.
     _SS& operator=(const T* p)
     {
         if (p == nullptr) {
@@ -56,7 +57,7 @@ public:
         return *this;
     }
 
-    // Nothing happens when both strings use the same storage.
+    /// Nothing happens when both strings use the same storage.
     _SS& operator=(const _SS& other)
     {
         if (Base::data() != other.data()) {
@@ -72,8 +73,8 @@ public:
         return *this;
     }
 
-    // printf-style formatting with rising limits: texts up to 8704 characters come whole, longer
-    // ones are cut there without notice. Byte strings only: the wide string has no formatter.
+    /// printf-style formatting with rising limits: texts up to 8704 characters come whole, longer
+    /// ones are cut there without notice. Byte strings only: the wide string has no formatter.
     _SS& Format(const char* format, ...)
     {
         static_assert(std::is_same<T, char>::value, "Format is offered on _SS<char> only");
@@ -85,7 +86,7 @@ public:
     }
     _SS& FormatV(const char* format, va_list args);
 
-    // The last n units; the whole string when it is shorter, the empty string for n <= 0.
+    /// The last n units; the whole string when it is shorter, the empty string for n <= 0.
     _SS Right(long n) const
     {
         if (n <= 0) {

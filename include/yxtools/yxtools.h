@@ -1,4 +1,5 @@
-// Everything YXTools exports.
+/// @file
+/// Everything YXTools exports.
 #ifndef YXTOOLS_YXTOOLS_H
 #define YXTOOLS_YXTOOLS_H
 
