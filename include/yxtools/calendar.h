@@ -26,9 +26,9 @@ static_assert(sizeof(DISKDATE) == 4, "DISKDATE is 4 bytes");
 /// A date and a time to the second, in six 16-bit fields, 12 bytes. The year is read as signed;
 /// only the low bytes of the day and the month count in conversions.
 struct DISKDATETIME {
-    unsigned short m_wYear; ///< the year, read as a signed 16-bit number
-    unsigned short m_wDay; ///< 1 to 31 (only the low byte counts)
-    unsigned short m_wMonth; ///< 1 to 12 (only the low byte counts)
+    unsigned short m_wYear;   ///< the year, read as a signed 16-bit number
+    unsigned short m_wDay;    ///< 1 to 31 (only the low byte counts)
+    unsigned short m_wMonth;  ///< 1 to 12 (only the low byte counts)
     unsigned short m_wHour;   ///< 0 to 23
     unsigned short m_wMinute; ///< 0 to 59
     unsigned short m_wSecond; ///< 0 to 59
@@ -38,11 +38,11 @@ static_assert(sizeof(DISKDATETIME) == 12, "DISKDATETIME is 12 bytes");
 /// @name Bits of the result of YXDate_CompareDateTime
 /// @{
 constexpr short YXDATE_DATE_EARLIER = 0x01; ///< the first date is earlier than the second
-constexpr short YXDATE_DATE_LATER = 0x02; ///< the first date is later
-constexpr short YXDATE_DATE_SAME = 0x04; ///< the dates are the same (also: the dates were not compared)
+constexpr short YXDATE_DATE_LATER = 0x02;   ///< the first date is later
+constexpr short YXDATE_DATE_SAME = 0x04;    ///< the dates are the same (also: the dates were not compared)
 constexpr short YXDATE_TIME_EARLIER = 0x08; ///< the first time of day is earlier
-constexpr short YXDATE_TIME_LATER = 0x10; ///< the first time of day is later
-constexpr short YXDATE_TIME_SAME = 0x20; ///< the times of day are the same
+constexpr short YXDATE_TIME_LATER = 0x10;   ///< the first time of day is later
+constexpr short YXDATE_TIME_SAME = 0x20;    ///< the times of day are the same
 /// @}
 
 /// @name Flags of YXDate_CompareDateTime

@@ -5,9 +5,11 @@
 
 #include <cstdint>
 
-/// YXTOOLS_API marks the exported interface. The library is built with hidden visibility, so
-/// anything without it stays inside. YXTOOLS_STATIC is set by the internal archive that white-box
-/// tests link; hosts never set it.
+/// @def YXTOOLS_API
+/// Marks the exported interface: dllexport while the library is built (YXTOOLS_BUILDING) and
+/// dllimport for a host on Windows, default visibility on POSIX. The library is built with hidden
+/// visibility, so anything without it stays inside. YXTOOLS_STATIC, set by the internal archive
+/// that the library's white-box tests link, leaves it empty; hosts set neither macro.
 #if defined(YXTOOLS_STATIC)
 #define YXTOOLS_API
 #elif defined(_WIN32)
@@ -20,7 +22,9 @@
 #define YXTOOLS_API __attribute__((visibility("default")))
 #endif
 
-/// Functions exported with plain, undecorated names.
+/// @def YXTOOLS_PLAIN
+/// Marks functions exported with plain, undecorated (C) names, as the YXHugePtr_,
+/// YXNameProvider_ and hole manager creation functions are.
 #define YXTOOLS_PLAIN extern "C" YXTOOLS_API
 
 #endif

@@ -26,7 +26,7 @@ constexpr unsigned long YXFILE_WRITE = 0x02;      ///< write access
 constexpr unsigned long YXFILE_DENY_READ = 0x04;  ///< others may write only; outranks YXFILE_DENY_WRITE
 constexpr unsigned long YXFILE_DENY_WRITE = 0x08; ///< others may read only
 constexpr unsigned long YXFILE_DENY_ALL = 0x10;   ///< others may do nothing; outranks the two above
-constexpr unsigned long YXFILE_CREATE = 0x40;     ///< Open creates what it cannot open; IsOpenable asks whether it could
+constexpr unsigned long YXFILE_CREATE = 0x40; ///< Open creates what it cannot open; IsOpenable asks whether it could
 /// @}
 
 /// One platform file handle, with the library's mode word and error codes.
@@ -156,7 +156,7 @@ YXTOOLS_API bool File_IsDirectory(const _SS<char>& path);
 /// True when the path's write bit is clear. A path that cannot be examined answers false.
 YXTOOLS_API bool File_IsFileReadOnly(const _SS<char>& path);
 /// Whether no file can be created where the path points, found by creating and deleting the probe
-/// file `$$$$$$$$.$$$` in the path's drive and directory (a name at the end plays no part, the
+/// file "$$$$$$$$.$$$" in the path's drive and directory (a name at the end plays no part, the
 /// directory being found character by character in the ANSI code page). Any failure to create the
 /// probe, a missing directory included, answers true. Also true, creating nothing, when the
 /// directory does not fit 256 bytes or the probe's path does not fit 259 bytes.

@@ -14,8 +14,8 @@
 
 /// One free range of a file. In YXEfficientHoleManager bit 31 of the offset marks a locked hole.
 struct tagFILEHOLE {
-    std::uint32_t dwOffset;
-    std::int32_t lSize;
+    std::uint32_t dwOffset; ///< where the hole starts in the file
+    std::int32_t lSize;     ///< its size in bytes
 };
 static_assert(sizeof(tagFILEHOLE) == 8, "a hole record is two 32-bit fields");
 
@@ -24,30 +24,40 @@ constexpr unsigned long YXHOLE_NONE = 0xFFFFFFFFUL;
 /// The lock mark of YXEfficientHoleManager, carried in the offset.
 constexpr unsigned long YXHOLE_LOCKED = 0x80000000UL;
 
-/// Orders of YXEfficientHoleManager's list, and the argument of SortHoles.
-constexpr unsigned short YXHOLESORT_NONE = 0;
+/// @name Orders of YXEfficientHoleManager's list, and the argument of SortHoles
+/// @{
+constexpr unsigned short YXHOLESORT_NONE = 0;      ///< no order holds
 constexpr unsigned short YXHOLESORT_OFFSET = 1;    ///< offset ascending, unsigned, lock bit included
 constexpr unsigned short YXHOLESORT_SIZE = 2;      ///< size ascending, signed
 constexpr unsigned short YXHOLESORT_SIZE_DESC = 3; ///< size descending, signed
+/// @}
 
-/// Kinds for CreateHoleManager.
-constexpr unsigned short YXHOLEMANAGER_SPEED = 1;
-constexpr unsigned short YXHOLEMANAGER_EFFICIENT = 2;
+/// @name Kinds for CreateHoleManager
+/// @{
+constexpr unsigned short YXHOLEMANAGER_SPEED = 1;     ///< a YXSpeedHoleManager
+constexpr unsigned short YXHOLEMANAGER_EFFICIENT = 2; ///< a YXEfficientHoleManager
+/// @}
 
 /// The interface a host works through. One allocation is GetBestHole, a write at the offset it
 /// gives (or an extension of the file on YXHOLE_NONE), then RemoveHole with that offset and size,
 /// with no other call between. Freeing a range is one AddHole.
 class YXTOOLS_API YXHoleManager {
 public:
+    /// Foot print 0.
     YXHoleManager();
+    /// Copies the foot print.
     YXHoleManager(const YXHoleManager& other);
+    /// Copies the foot print.
     YXHoleManager& operator=(const YXHoleManager& other);
+    /// Virtual: a manager from CreateHoleManager is destroyed through this interface.
     virtual ~YXHoleManager();
 
     /// The least size the rest of a split hole may have: a hole larger than a request qualifies
     /// only when hole size >= request + foot print; a hole of exactly the request always does.
     virtual void SetHoleFootPrint(long lFootPrint);
+    /// The foot print; 0 until set.
     virtual long GetHoleFootPrint() const;
+    /// The number of holes recorded.
     virtual long GetNumberOfHoles() const = 0;
     /// The sum of the hole sizes, as an unsigned 32-bit number that wraps.
     virtual unsigned long GetHolesSize() const = 0;
@@ -59,6 +69,7 @@ public:
     virtual tagFILEHOLE* RemoveHole(unsigned long dwOffset, long lSize) = 0;
     /// Empties the list and both counters; the foot print stays. Always true.
     virtual bool ClearHoleList() = 0;
+    /// True when a hole starts exactly at @p dwOffset.
     virtual bool IsHole(unsigned long dwOffset) = 0;
     /// The offset of a hole that can take lSize bytes, or YXHOLE_NONE. Takes nothing away.
     virtual unsigned long GetBestHole(long lSize) = 0;
@@ -66,7 +77,7 @@ public:
     virtual unsigned long GetTruncateOffset(unsigned long dwFileLength) = 0;
 
 protected:
-    std::int32_t m_lFootPrint;
+    std::int32_t m_lFootPrint; ///< the least rest of a split hole
 };
 
 /// The manager that knows every hole, in the least memory: one dense list of records in blocks
@@ -75,15 +86,20 @@ protected:
 /// exclusion. Copies share the source's blocks: a manager that holds blocks must not be copied.
 class YXTOOLS_API YXEfficientHoleManager : public YXHoleManager {
 public:
+    /// An empty list with no block.
     YXEfficientHoleManager();
+    /// Member-wise: shares @p other's blocks.
     YXEfficientHoleManager(const YXEfficientHoleManager& other);
+    /// Member-wise: shares @p other's blocks; the target's own are not released.
     YXEfficientHoleManager& operator=(const YXEfficientHoleManager& other);
     ~YXEfficientHoleManager() override;
 
+    /// The number of holes, locked ones included.
     long GetNumberOfHoles() const override;
     unsigned long GetHolesSize() const override;
     /// An offset with bit 31 set adds a locked hole: counted and found like any other, never
-    /// merged, and while one exists GetTruncateOffset has no answer below 2 GiB.
+    /// merged, and while one exists GetTruncateOffset has no answer below 2 GiB. At most 65535
+    /// blocks (13107000 holes) are held: past that the answer is false.
     bool AddHole(unsigned long dwOffset, long lSize) override;
     /// Finds the hole by the offset as given, else with bit 31 set. lSize 0 or the hole's size
     /// removes it whole; a rest of a locked hole is unlocked.
@@ -105,8 +121,8 @@ public:
     bool UnlockAllHoles();
 
 protected:
-    std::int32_t m_lNumberOfHoles;
-    std::uint32_t m_dwHolesSize;
+    std::int32_t m_lNumberOfHoles;      ///< holes in the list
+    std::uint32_t m_dwHolesSize;        ///< the sum of their sizes, wrapping at 32 bits
     std::int32_t m_lFreeEntries;        ///< entries allocated in blocks and not in use
     tagFILEHOLE** m_ppBlocks;           ///< table of blocks: held blocks first, then null entries
     std::int32_t m_lBlockTableSize;     ///< entries in the table
@@ -140,9 +156,9 @@ private:
 /// One cell of YXPriorityQueue. While the cell is in the queue, the long that plIndex points to
 /// (when it is not null) holds the cell's index.
 struct tagPQCELL {
-    std::int32_t lValue;
-    long* plIndex;
-    std::uint32_t dwData;
+    std::int32_t lValue;  ///< the key; the smallest is at the head
+    long* plIndex;        ///< the caller's handle variable, or null
+    std::uint32_t dwData; ///< the caller's data
 };
 
 /// A binary min-heap of (value, data) cells with handles: the queue keeps each cell's handle
@@ -152,14 +168,17 @@ struct tagPQCELL {
 class YXTOOLS_API YXPriorityQueue {
 public:
     /// Allocates room for lIncrement cells; the capacity grows by lIncrement at a time. A queue
-    /// with an increment of 0 or less refuses every AddValue.
+    /// with an increment of 0 or less gets no array and refuses every AddValue.
     explicit YXPriorityQueue(long lIncrement = 100);
+    /// Member-wise: shares @p other's array.
     YXPriorityQueue(const YXPriorityQueue& other);
+    /// Member-wise: shares @p other's array; the target's own is not released.
     YXPriorityQueue& operator=(const YXPriorityQueue& other);
     virtual ~YXPriorityQueue();
 
     /// 1 when empty, else 0.
     short IsEmpty() const;
+    /// Adds a cell; @p plIndex, when not null, then holds its index as long as it is in the queue.
     /// False when memory or the capacity of 0x7FFFFFFF cells ran out; the queue is as it was.
     bool AddValue(long lValue, unsigned long dwData, long* plIndex);
     /// -1 with the head in the arguments; 0 when empty, arguments untouched. Note the senses.
@@ -177,10 +196,10 @@ public:
     void ReInit();
 
 protected:
-    std::int32_t m_lIncrement;
-    std::int32_t m_lCapacity;
-    std::int32_t m_lSize;
-    tagPQCELL* m_pCells;
+    std::int32_t m_lIncrement;  ///< cells added to the capacity at a time
+    std::int32_t m_lCapacity;   ///< cells the queue may hold before it grows
+    std::int32_t m_lSize;       ///< cells in the queue
+    tagPQCELL* m_pCells;        ///< the array; cell 0 is the sentinel
     tagPQCELL* m_pLast;         ///< cell m_lSize
     std::int64_t m_llAllocated; ///< cells the array has room for, the sentinel included
 
@@ -200,11 +219,15 @@ private:
 /// manager that holds a queue must not be copied.
 class YXTOOLS_API YXSpeedHoleManager : public YXHoleManager {
 public:
+    /// No queue yet.
     YXSpeedHoleManager();
+    /// Member-wise: shares @p other's queue.
     YXSpeedHoleManager(const YXSpeedHoleManager& other);
+    /// Member-wise: shares @p other's queue; the target's own is not released.
     YXSpeedHoleManager& operator=(const YXSpeedHoleManager& other);
     ~YXSpeedHoleManager() override;
 
+    /// The number of holes in the queue.
     long GetNumberOfHoles() const override;
     unsigned long GetHolesSize() const override;
     bool AddHole(unsigned long dwOffset, long lSize) override;
@@ -212,14 +235,18 @@ public:
     /// and gives the record, unless the hole has size 0.
     tagFILEHOLE* RemoveHole(unsigned long dwOffset, long lSize) override;
     bool ClearHoleList() override;
+    /// Always false: this manager cannot look holes up by offset.
     bool IsHole(unsigned long dwOffset) override;
+    /// The offset of the largest hole when its size is @p lSize or at least @p lSize plus the foot
+    /// print, else YXHOLE_NONE: a hole of exactly the size is found only when it is the largest.
     unsigned long GetBestHole(long lSize) override;
+    /// Always YXHOLE_NONE.
     unsigned long GetTruncateOffset(unsigned long dwFileLength) override;
 
 protected:
-    std::int32_t m_lNumberOfHoles;
-    std::uint32_t m_dwHolesSize;
-    YXPriorityQueue* m_pQueue; ///< null until the first AddHole and after ClearHoleList
+    std::int32_t m_lNumberOfHoles; ///< holes in the queue
+    std::uint32_t m_dwHolesSize;   ///< the sum of their sizes, wrapping at 32 bits
+    YXPriorityQueue* m_pQueue;     ///< null until the first AddHole and after ClearHoleList
 };
 
 /// A new, empty manager of a YXHOLEMANAGER_ kind with foot print 0; null for another kind or

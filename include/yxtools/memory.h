@@ -1,6 +1,10 @@
 /// @file
 /// Memory tools: a pool of reusable byte buffers, a resizable bit array, and plain functions over
-/// the platform's movable memory blocks.
+/// the platform's movable memory blocks. The YXHugePtr_ functions are thin passes to the
+/// platform's movable memory; their results and failures are the platform's.
+///
+/// On POSIX, movable blocks are a table of records over the C heap: a movable block's handle is
+/// never an address, and a block that may not move is resized in place only.
 #ifndef YXTOOLS_MEMORY_H
 #define YXTOOLS_MEMORY_H
 
@@ -13,16 +17,17 @@
 /// nothing of this class to link.
 class YXAutoBuffer {
 public:
+    /// An empty buffer without a block; @p initialSize is what its first Assign reserves.
     explicit YXAutoBuffer(unsigned long initialSize = 100) : m_dwInitialSize(initialSize) {}
     /// Blocks are never shared: an entry copies its buffer with Assign.
     YXAutoBuffer(const YXAutoBuffer&) = delete;
     YXAutoBuffer& operator=(const YXAutoBuffer&) = delete;
 
-    unsigned long m_dwCapacity = 0; ///< bytes allocated at m_pData
-    unsigned long m_dwSize = 0;     ///< bytes in use, never above the capacity
-    unsigned char* m_pData = nullptr;
-    bool m_bOwner = true; ///< the block is released with the entry that holds the buffer
-    unsigned long m_dwInitialSize;
+    unsigned long m_dwCapacity = 0;   ///< bytes allocated at m_pData
+    unsigned long m_dwSize = 0;       ///< bytes in use, never above the capacity
+    unsigned char* m_pData = nullptr; ///< the block, null until one is allocated
+    bool m_bOwner = true;             ///< the block is released with the entry that holds the buffer
+    unsigned long m_dwInitialSize;    ///< the capacity a buffer without a block reserves first
 
 private:
     friend class YXAutoBufferEntry;
@@ -44,6 +49,7 @@ private:
 /// their own.
 class YXTOOLS_API YXAutoBufferEntry {
 public:
+    /// A free entry with an empty buffer.
     YXAutoBufferEntry();
     /// A copy's capacity is the source's size. A copy whose block cannot be allocated is empty.
     YXAutoBufferEntry(const YXAutoBufferEntry& other);
@@ -52,8 +58,11 @@ public:
     YXAutoBufferEntry& operator=(const YXAutoBufferEntry& other);
     virtual ~YXAutoBufferEntry();
 
+    /// The entry's buffer.
     YXAutoBuffer* GetAutoBuffer() const;
+    /// True while the buffer is handed out.
     bool IsUsed() const;
+    /// Marks the buffer handed out (true) or free.
     void SetUsed(bool bUsed);
 
 private:
@@ -80,6 +89,7 @@ public:
     void ReleaseAutoBuffer(YXAutoBuffer*& pBuffer);
     /// Raises the limit: stored only when the number of entries is below wMaxBuffers.
     void SetMaxBuffers(unsigned short wMaxBuffers);
+    /// The limit on the number of buffers; 0 means none.
     unsigned short GetMaxBuffers() const;
 
 private:
@@ -96,11 +106,15 @@ private:
 /// unsigned long whose value never goes above 32 bits, also where unsigned long is wider.
 class YXTOOLS_API YXBitArray {
 public:
+    /// An array of @p dwRange bits, all zero; range 0 gives an array that is not ok (no words).
     explicit YXBitArray(unsigned long dwRange = 0);
+    /// A deep copy: range and words, spare bits included.
     YXBitArray(const YXBitArray& other);
     virtual ~YXBitArray();
+    /// Takes over range and words of @p other, as Copy; an array of range 0 empties the target.
     YXBitArray& operator=(const YXBitArray& other);
 
+    /// Bit @p dwBit; false when not ok or at or past the range.
     bool operator[](unsigned long dwBit) const;
     /// True when any word is not 0, spare bits included.
     bool IsOneSet() const;
@@ -109,9 +123,13 @@ public:
     bool SetRange(unsigned long dwRange);
     /// Every word all ones or all zeros, spare bits included.
     void SetValue(bool bValue);
+    /// Sets or clears bit @p dwBit; nothing when not ok or at or past the range.
     void SetValue(unsigned long dwBit, bool bValue);
+    /// The number of bits.
     unsigned long GetRange() const;
+    /// The words themselves (null when not ok); they move when SetRange reallocates.
     unsigned long* GetBitArray() const;
+    /// True while the array holds words.
     bool IsOk() const;
     /// 0 when not ok, else ((range >> 5) + 2) * 4: one 32-bit word more than the array holds, room
     /// for a caller that stores a word beside the bits. Never read that many bytes from
@@ -128,22 +146,26 @@ private:
     unsigned long* m_pdwBits;
 };
 
-/// Kinds of movable memory block.
+/// Kinds of memory block of the YXHugePtr_ functions. Any other kind is a fixed block, whose
+/// handle is its address.
 enum : unsigned {
     YXHUGEPTR_ZEROINIT = 1, ///< movable, cleared
     YXHUGEPTR_MOVEABLE = 2, ///< movable
-    /// any other kind: a fixed block, whose handle is its address
 };
 
-/// Thin passes to the platform's movable memory; results and failures are the platform's.
+/// A new block of @p dwSize bytes of the kind: its handle, null on failure.
 YXTOOLS_PLAIN void* YXHugePtr_Allocate(unsigned kind, unsigned long dwSize);
+/// Resizes the block (the kind stands last here): its handle, null on failure.
 YXTOOLS_PLAIN void* YXHugePtr_ReAllocate(void* handle, unsigned long dwSize, unsigned kind);
+/// The block's address, one lock more; null on failure.
 YXTOOLS_PLAIN void* YXHugePtr_Lock(void* handle);
 /// True while the block stays locked; false once unlocked for good, or on failure.
 YXTOOLS_PLAIN bool YXHugePtr_Unlock(void* handle);
+/// The block's size in bytes, 0 on failure.
 YXTOOLS_PLAIN unsigned long YXHugePtr_Size(void* handle);
 /// Null on success, the handle on failure.
 YXTOOLS_PLAIN void* YXHugePtr_Free(void* handle);
+/// The handle of a locked block from its address.
 YXTOOLS_PLAIN void* YXHugePtr_GetHandle(void* address);
 /// The lock count in the low byte, and the platform's other flags.
 YXTOOLS_PLAIN unsigned YXHugePtr_Flags(void* handle);

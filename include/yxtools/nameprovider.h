@@ -1,6 +1,9 @@
 /// @file
 /// Name provider registries: one module publishes a provider under a text key, another finds it
 /// without linking to it. The library keeps the pointers only; providers stay their registrants'.
+/// There are two registries, one per kind of provider; each key holds one provider. A call made
+/// while the registries are absent (after YXTools_Close) creates them afresh and empty; the next
+/// close releases them.
 #ifndef YXTOOLS_NAMEPROVIDER_H
 #define YXTOOLS_NAMEPROVIDER_H
 
@@ -11,7 +14,9 @@
 class YXTOOLS_API YXNameProviderByID {
 public:
     YXNameProviderByID() = default;
+    /// Copies nothing: the interface holds no state.
     YXNameProviderByID(const YXNameProviderByID&) = default;
+    /// Copies nothing: the interface holds no state.
     YXNameProviderByID& operator=(const YXNameProviderByID&) = default;
     virtual ~YXNameProviderByID();
 
@@ -25,7 +30,9 @@ public:
 class YXTOOLS_API YXNameProviderByString {
 public:
     YXNameProviderByString() = default;
+    /// Copies nothing: the interface holds no state.
     YXNameProviderByString(const YXNameProviderByString&) = default;
+    /// Copies nothing: the interface holds no state.
     YXNameProviderByString& operator=(const YXNameProviderByString&) = default;
     virtual ~YXNameProviderByString();
 
@@ -39,7 +46,9 @@ public:
 YXTOOLS_PLAIN bool YXNameProvider_RegisterProviderByString(const _SS<char>& name, YXNameProviderByString* pProvider);
 /// The provider under the key, null when there is none.
 YXTOOLS_PLAIN YXNameProviderByString* YXNameProvider_GetProviderByString(const _SS<char>& name);
+/// Stores the provider by id (null allowed) under the key, replacing an earlier registration; true.
 YXTOOLS_PLAIN bool YXNameProvider_RegisterProviderByID(const _SS<char>& name, YXNameProviderByID* pProvider);
+/// The provider by id under the key, null when there is none.
 YXTOOLS_PLAIN YXNameProviderByID* YXNameProvider_GetProviderByID(const _SS<char>& name);
 
 #endif

@@ -30,6 +30,7 @@ class YXTOOLS_API YXPath : public _SS<char> {
 public:
     /// Empty for a null pointer, else a copy of the string.
     YXPath(const _SS<char>* pText = nullptr); // NOLINT(google-explicit-constructor)
+    /// A copy of @p other's text.
     YXPath(const YXPath& other);
     /// Nothing happens when both objects use the same storage.
     YXPath& operator=(const YXPath& other);
@@ -42,7 +43,11 @@ public:
     /// Cuts the path into its drive ("C:"), directory (up to the last `\` or `/`), name and
     /// extension (from the last dot of the name on); together they hold every byte of the path.
     /// Each non-null out-argument gets its component; the kind, when asked for, comes from
-    /// GetPathProtocol and never steers the cut. Always true.
+    /// GetPathProtocol and never steers the cut. Always true. An out-argument may be the path
+    /// itself. Paths of 255 bytes or more take a route of their own (SlowSplit); a path without a
+    /// separator behind the drive that starts with its only dot (`C:.aaa...`) gives that text as
+    /// the extension, as the short route does with `.profile`, so both routes cut every path
+    /// without double-byte characters alike.
     static bool Split(const _SS<char>& path, _SS<char>* pDrive, _SS<char>* pDirectory, _SS<char>* pName,
                       _SS<char>* pExtension, YXPATHKIND* pKind);
 
@@ -53,9 +58,9 @@ public:
     /// result ends in `\`; a null addition then only makes sure of that.
     static void Append(_SS<char>& path, const _SS<char>* pAddition, bool bTrailing);
 
-    /// Puts drive, directory, name and extension together into the output (which must be none of
-    /// them). A non-null drive or directory, even an empty one, makes the directory end in `\`; an
-    /// extension without a leading dot gets one. True when the output is not empty.
+    /// Puts drive, directory, name and extension together into the output, which may be one of
+    /// the inputs. A non-null drive or directory, even an empty one, makes the directory end in
+    /// `\`; an extension without a leading dot gets one. True when the output is not empty.
     static bool Make(_SS<char>& output, const _SS<char>* pDrive, const _SS<char>* pDirectory, const _SS<char>* pName,
                      const _SS<char>* pExtension);
 

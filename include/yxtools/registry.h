@@ -12,6 +12,13 @@
 #include "yxtools/config.h"
 #include "yxtools/ss.h"
 
+/// The typed parameters: static operations only, the object holds nothing.
+///
+/// On POSIX the registry is `registry.db` in the prefix, a SQLite database shared by all processes
+/// of the prefix: each change is one transaction, a reader never waits, a writer waits up to 3 s for
+/// another and then fails. A write that returned true survives the end of its process. A missing
+/// prefix or database is an empty registry that reading does not create; a file that is not such
+/// a database is left alone: reads give their defaults and writes fail.
 class YXTOOLS_API YXRegistry {
 public:
     /// The root of the product's key. Any other value acts as CurrentUser.
@@ -21,9 +28,12 @@ public:
         DefaultUser = 2   ///< HKEY_USERS, below ".DEFAULT\"
     };
 
+    /// Nothing to set up.
     YXRegistry() {}
     ~YXRegistry() {}
+    /// Copies nothing: the object holds no state.
     YXRegistry(const YXRegistry&) {}
+    /// Copies nothing: the object holds no state.
     YXRegistry& operator=(const YXRegistry&) { return *this; }
 
     /// Stores the text, its length in bytes without a terminating zero. The key and the keys above
@@ -51,11 +61,14 @@ public:
                               bool* pUseDefault);
 
     /// The same reads from CurrentUser, and from LocalMachine when CurrentUser does not have the
-    /// parameter; the default only when neither has it.
+    /// parameter; the default only when neither has it. The count is that of ReadStringParam from
+    /// whichever root answered.
     static unsigned long ReadStringParamCUAndLM(const _SS<char>& section, const _SS<char>& name, _SS<char>* value,
                                                 const _SS<char>& defaultValue, bool* pUseDefault);
+    /// ReadBooleanParam from CurrentUser, else LocalMachine, else the default.
     static bool ReadBooleanParamCUAndLM(const _SS<char>& section, const _SS<char>& name, bool defaultValue,
                                         bool* pUseDefault);
+    /// ReadLongParam from CurrentUser, else LocalMachine, else the default.
     static long ReadLongParamCUAndLM(const _SS<char>& section, const _SS<char>& name, long defaultValue,
                                      bool* pUseDefault);
 };

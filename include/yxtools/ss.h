@@ -15,12 +15,16 @@
 
 #include "yxtools/config.h"
 
+/// The library's string over units of type T: std::basic_string<T> with tolerant construction
+/// from a text pointer, assignment that recognises its own storage, Format and Right. Memory
+/// exhaustion passes to the caller as the standard string's exception.
 template <class T>
 class _SS : public std::basic_string<T> {
 public:
-    using Base = std::basic_string<T>;
-    using size_type = typename Base::size_type;
+    using Base = std::basic_string<T>;          ///< the standard string underneath
+    using size_type = typename Base::size_type; ///< the standard string's size type
 
+    /// The empty string.
     _SS() = default;
     /// A pointer value below 0x10000, null included, is taken for "no text": the platform's
     /// resource identifiers live there.
@@ -30,11 +34,17 @@ public:
             Base::assign(p);
         }
     }
+    /// The @p n units at @p p, zeros included.
     _SS(const T* p, size_type n) : Base(p, n) {}
+    /// @p n copies of the unit @p c.
     _SS(size_type n, T c) : Base(n, c) {}
-    _SS(const Base& s) : Base(s) {}                // NOLINT(google-explicit-constructor)
+    /// A copy of a standard string.
+    _SS(const Base& s) : Base(s) {} // NOLINT(google-explicit-constructor)
+    /// Takes over a standard string's text.
     _SS(Base&& s) noexcept : Base(std::move(s)) {} // NOLINT(google-explicit-constructor)
+    /// A copy.
     _SS(const _SS&) = default;
+    /// Takes over the other's text.
     _SS(_SS&&) noexcept = default;
     ~_SS() = default;
 
@@ -65,6 +75,7 @@ public:
         }
         return *this;
     }
+    /// Takes over the other's text; moving to itself changes nothing.
     _SS& operator=(_SS&& other) noexcept
     {
         if (this != &other) {
@@ -75,6 +86,7 @@ public:
 
     /// printf-style formatting with rising limits: texts up to 8704 characters come whole, longer
     /// ones are cut there without notice. Byte strings only: the wide string has no formatter.
+    /// An argument may be the string's own text.
     _SS& Format(const char* format, ...)
     {
         static_assert(std::is_same<T, char>::value, "Format is offered on _SS<char> only");
@@ -84,6 +96,9 @@ public:
         va_end(args);
         return *this;
     }
+    /// Format with the arguments in a va_list. On POSIX texts below 1024 characters that reach a
+    /// limit are finished on the stack, so a text of up to 511 characters touches the heap only
+    /// for the assignment. On Windows the conversions are those of the C runtime (msvcrt.dll).
     _SS& FormatV(const char* format, va_list args);
 
     /// The last n units; the whole string when it is shorter, the empty string for n <= 0.
@@ -100,6 +115,7 @@ public:
     }
 };
 
+/// The two texts one after the other.
 template <class T>
 _SS<T> operator+(const _SS<T>& left, const _SS<T>& right)
 {
@@ -110,7 +126,10 @@ _SS<T> operator+(const _SS<T>& left, const _SS<T>& right)
     return result;
 }
 
+/// @cond
+// The formatter is the library's: hosts link it, never instantiate it.
 template <>
 YXTOOLS_API _SS<char>& _SS<char>::FormatV(const char* format, va_list args);
+/// @endcond
 
 #endif

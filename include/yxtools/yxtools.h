@@ -1,5 +1,5 @@
 /// @file
-/// Everything YXTools exports.
+/// Everything YXTools exports: include this header, or the header of one family.
 #ifndef YXTOOLS_YXTOOLS_H
 #define YXTOOLS_YXTOOLS_H
 
