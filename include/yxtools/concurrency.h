@@ -165,12 +165,14 @@ public:
     /// Asks the worker to stop, then Wait(lTimeOut) and its result.
     bool Stop(long lTimeOut);
     /// True when the worker ended within the time-out (any negative one means m_lTimeOut); else it
-    /// is asked to stop, given the time-out once more and then ended with exit code 1. The worker
+    /// is asked to stop, given the time-out once more and then ended by force with exit code 1 (its
+    /// frames are left without their destructors, and mutexes it owned are abandoned). The worker
     /// has ended when Wait returns. Not to be called from the worker itself.
     bool Wait(long lTimeOut);
     /// True once a stop has been asked for; Process polls it.
     bool AskForStop() const;
-    /// Suspends the worker (counted by the platform); false without a worker or on refusal.
+    /// Suspends the worker (counted by the platform); false without a worker or on refusal. The
+    /// worker has stopped when the call returns.
     bool Suspend();
     /// Takes one count off the worker's suspension; false without a worker or on refusal.
     bool Resume();

@@ -68,6 +68,7 @@ public:
     /// The cleaned text is read as Windows' atoi reads it on both builds: a value beyond 32 bits
     /// stops at the nearest end of the range; the multiplications of a negative scale wrap at 32
     /// bits, and a text without a point whose product leaves the range gives the lowest long.
+    /// There is no hexadecimal form: no cleaned text can hold an "x".
     long TextToLong(const _SS<char>& text, long scale, bool* ok, unsigned long* errorOffset) const;
     /// Text to a double; grouping marks are dropped, only the last point stands as decimal mark.
     double TextToNumeric(const _SS<char>& text, bool* ok, unsigned long* errorOffset) const;

@@ -18,7 +18,9 @@
 /// of the prefix: each change is one transaction, a reader never waits, a writer waits up to 3 s for
 /// another and then fails. A write that returned true survives the end of its process. A missing
 /// prefix or database is an empty registry that reading does not create; a file that is not such
-/// a database is left alone: reads give their defaults and writes fail.
+/// a database is left alone: reads give their defaults and writes fail. Names compare without
+/// regard to the case of ASCII letters only (Windows folds other letters too), and a key name of
+/// more than 255 bytes is refused.
 class YXTOOLS_API YXRegistry {
 public:
     /// The root of the product's key. Any other value acts as CurrentUser.

@@ -82,7 +82,9 @@ YXTOOLS_API bool String_AddCharValue(_SS<char>& text, unsigned short value);
 YXTOOLS_API bool String_AddCharValue(_SS<unsigned short>& text, unsigned short value);
 
 /// The first place where pattern stands in text with case, width, kana type and accents folded
-/// away; null for a null argument, an empty text, or no match.
+/// away; null for a null argument, an empty text, or no match. The fold tables are built at load
+/// by a chain of mappings, each step starting from the text of the step before, so a mapping the
+/// platform cannot make passes its text on unchanged.
 YXTOOLS_API char const* String_Find(char const* text, char const* pattern);
 /// The first character of value (text must not be null). A value whose first byte cannot be a
 /// trail byte (outside 0x40..0xFC, or 0x7F), and every value without double-byte code page, is

@@ -4,8 +4,9 @@
 /// A host writes formatted lines with YXTraceManager::Trace. Where they go is read once, when the
 /// library is loaded, from section "Trace" of the product's registry key under the current user:
 /// "Output" (bit 1 the debugger, 2 a strip of rows drawn on the screen, 4 a file; 1 when missing),
-/// "ScreenTop", "ScreenLeft", "ScreenLineCount" (10 when missing or 0) and "FileName" (emptied at
-/// each load). The library's own operations never trace.
+/// "ScreenTop", "ScreenLeft", "ScreenLineCount" (10 when missing or 0, or when it narrows to an
+/// int of 0) and "FileName" (emptied at each load). Strip positions far out of range are worked
+/// out in 64 bits and narrowed. The library's own operations never trace.
 ///
 /// On POSIX, debugger output is silent unless someone listens: the file named by
 /// `YXTOOLS_DEBUG_OUTPUT` (`-` for the standard error) gets each text appended, and without it a
