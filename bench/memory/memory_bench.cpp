@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <bitset>
+#include <cstdint>
 #include <cstdlib>
 #include <vector>
 
@@ -120,6 +121,72 @@ void BM_Bitset(benchmark::State& state)
     }
 }
 BENCHMARK(BM_Bitset);
+
+// One bit at a time, read and written on their own: every bit of 4096 read (a third of them set),
+// and every bit written with a value that alternates.
+void BM_BitArrayRead(benchmark::State& state)
+{
+    YXBitArray bits(kBits);
+    for (unsigned long k = 0; k < kBits; k += 3) {
+        bits.SetValue(k, true);
+    }
+    for (auto _ : state) {
+        unsigned long count = 0;
+        for (unsigned long k = 0; k < kBits; ++k) {
+            count += bits[k] ? 1 : 0;
+        }
+        const auto& result = count;
+        benchmark::DoNotOptimize(result);
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kBits));
+}
+BENCHMARK(BM_BitArrayRead);
+
+void BM_VectorBoolRead(benchmark::State& state)
+{
+    std::vector<bool> bits(kBits);
+    for (unsigned long k = 0; k < kBits; k += 3) {
+        bits[k] = true;
+    }
+    for (auto _ : state) {
+        unsigned long count = 0;
+        for (unsigned long k = 0; k < kBits; ++k) {
+            count += bits[k] ? 1 : 0;
+        }
+        const auto& result = count;
+        benchmark::DoNotOptimize(result);
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kBits));
+}
+BENCHMARK(BM_VectorBoolRead);
+
+void BM_BitArraySet(benchmark::State& state)
+{
+    YXBitArray bits(kBits);
+    for (auto _ : state) {
+        for (unsigned long k = 0; k < kBits; ++k) {
+            bits.SetValue(k, (k & 1) != 0);
+        }
+        const auto& held = bits;
+        benchmark::DoNotOptimize(held);
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kBits));
+}
+BENCHMARK(BM_BitArraySet);
+
+void BM_VectorBoolSet(benchmark::State& state)
+{
+    std::vector<bool> bits(kBits);
+    for (auto _ : state) {
+        for (unsigned long k = 0; k < kBits; ++k) {
+            bits[k] = (k & 1) != 0;
+        }
+        const auto& held = bits;
+        benchmark::DoNotOptimize(held);
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kBits));
+}
+BENCHMARK(BM_VectorBoolSet);
 
 // IsOneSet alone on an array whose only set bit is the last one: a full scan.
 void BM_BitArrayIsOneSet(benchmark::State& state)

@@ -22,6 +22,22 @@
 #define YXTOOLS_API __attribute__((visibility("default")))
 #endif
 
+/// @def YXTOOLS_API_INLINE
+/// Marks an exported function that its header also defines inline, so that a host's compiler can
+/// inline it. The library exports its own copy; a host compiles the definition itself, so on
+/// Windows it is not imported (an inline function cannot be).
+#if defined(YXTOOLS_STATIC)
+#define YXTOOLS_API_INLINE
+#elif defined(_WIN32)
+#if defined(YXTOOLS_BUILDING)
+#define YXTOOLS_API_INLINE __declspec(dllexport)
+#else
+#define YXTOOLS_API_INLINE
+#endif
+#else
+#define YXTOOLS_API_INLINE __attribute__((visibility("default")))
+#endif
+
 /// @def YXTOOLS_PLAIN
 /// Marks functions exported with plain, undecorated (C) names, as the YXHugePtr_,
 /// YXNameProvider_ and hole manager creation functions are.

@@ -114,7 +114,8 @@ public:
     /// Takes over range and words of @p other, as Copy; an array of range 0 empties the target.
     YXBitArray& operator=(const YXBitArray& other);
 
-    /// Bit @p dwBit; false when not ok or at or past the range.
+    /// Bit @p dwBit; false when not ok or at or past the range. Defined inline in this header, as
+    /// is SetValue of one bit, and exported by the library as well.
     bool operator[](unsigned long dwBit) const;
     /// True when any word is not 0, spare bits included.
     bool IsOneSet() const;
@@ -145,6 +146,28 @@ private:
     unsigned long m_dwRange;
     unsigned long* m_pdwBits;
 };
+
+// The one-bit accessors are defined here, where a host's compiler inlines them into its loops: a
+// call into the library would cost several times the access. The library exports them as well,
+// for hosts that take their address or build without inlining. They are declared plainly in the
+// class and defined inline here, which keeps them out of the hidden inline members.
+inline bool YXBitArray::operator[](unsigned long dwBit) const
+{
+    return m_bOk && dwBit < m_dwRange && (m_pdwBits[dwBit >> 5] & 1UL << (dwBit & 31)) != 0;
+}
+
+inline void YXBitArray::SetValue(unsigned long dwBit, bool bValue)
+{
+    if (!m_bOk || dwBit >= m_dwRange) {
+        return;
+    }
+    const unsigned long mask = 1UL << (dwBit & 31);
+    if (bValue) {
+        m_pdwBits[dwBit >> 5] |= mask;
+    } else {
+        m_pdwBits[dwBit >> 5] &= ~mask;
+    }
+}
 
 /// Kinds of memory block of the YXHugePtr_ functions. Any other kind is a fixed block, whose
 /// handle is its address.

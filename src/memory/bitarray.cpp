@@ -15,10 +15,10 @@ std::size_t WordCount(unsigned long dwRange)
     return static_cast<std::size_t>(dwRange >> 5) + 1;
 }
 
-unsigned long Mask(unsigned long dwBit)
-{
-    return 1UL << (dwBit & 31);
-}
+// The one-bit accessors are inline in the header; taking their addresses here makes the library
+// emit and export its own copies too (nothing else would, since no code here calls them).
+[[maybe_unused]] __attribute__((used)) bool (YXBitArray::*const kGetBit)(unsigned long) const = &YXBitArray::operator[];
+[[maybe_unused]] __attribute__((used)) void (YXBitArray::*const kSetBit)(unsigned long, bool) = &YXBitArray::SetValue;
 
 } // namespace
 
@@ -43,11 +43,6 @@ YXBitArray& YXBitArray::operator=(const YXBitArray& other)
         Copy(other.m_dwRange, other.m_pdwBits);
     }
     return *this;
-}
-
-bool YXBitArray::operator[](unsigned long dwBit) const
-{
-    return m_bOk && dwBit < m_dwRange && (m_pdwBits[dwBit >> 5] & Mask(dwBit)) != 0;
 }
 
 bool YXBitArray::IsOneSet() const
@@ -101,18 +96,6 @@ void YXBitArray::SetValue(bool bValue)
     const std::size_t words = WordCount(m_dwRange);
     for (std::size_t i = 0; i < words; ++i) {
         m_pdwBits[i] = bValue ? kAllOnes : 0;
-    }
-}
-
-void YXBitArray::SetValue(unsigned long dwBit, bool bValue)
-{
-    if (!m_bOk || dwBit >= m_dwRange) {
-        return;
-    }
-    if (bValue) {
-        m_pdwBits[dwBit >> 5] |= Mask(dwBit);
-    } else {
-        m_pdwBits[dwBit >> 5] &= ~Mask(dwBit);
     }
 }
 

@@ -50,6 +50,24 @@ if(NOT status EQUAL 0)
   message(FATAL_ERROR "${CXXFILT} failed")
 endif()
 string(REGEX MATCHALL "[^\n]+" names "${demangled}")
+# Members and functions that the headers define inline, for a host's compiler to inline: the
+# library exports its own copies all the same.
+set(inline_defined
+  "YXBitArray::operator[](unsigned long) const"
+  "YXBitArray::SetValue(unsigned long, bool)"
+  "YXDate_DateToGregorian(DISKDATE const&)"
+  "YXDate_DateToGregorian(unsigned short, unsigned short, unsigned short)"
+  "YXDate_GregorianToDate(long, DISKDATE&)"
+  "YXDate_GregorianToDate(long, DISKDATETIME&)")
+foreach(name IN LISTS inline_defined)
+  if(NOT name IN_LIST names)
+    string(APPEND missing "  ${name}\n")
+  endif()
+endforeach()
+if(NOT missing STREQUAL "")
+  message(FATAL_ERROR "functions defined inline in the headers but not exported:\n${missing}")
+endif()
+
 set(allowed "^(YX|_SS<|IsWin9XVersion|String_|StringCopy|File_|Path_|CreateHoleManager|DestroyHoleManager|(vtable|typeinfo|typeinfo name|VTT) for YX)")
 set(foreign "")
 foreach(name IN LISTS names)
