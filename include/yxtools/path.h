@@ -64,11 +64,34 @@ public:
     static bool Make(_SS<char>& output, const _SS<char>* pDrive, const _SS<char>* pDirectory, const _SS<char>* pName,
                      const _SS<char>* pExtension);
 
+    /// The form under which other machines reach the file of a drive path: on a network drive the
+    /// drive's network name followed by the rest of the path; on a local drive
+    /// `\\COMPUTER\share\rest` through the local disk share with the longest path that covers the
+    /// path's folder. Any path that can't be converted (UNC already, relative, a URL, no share)
+    /// comes back unchanged; IsUNCPath on the result tells which it was.
+    ///
+    /// A share covers a folder when its path ends in `\`, or the folder goes on with `\` or `/`
+    /// behind it, or ends there: `C:\da` does not cover `C:\data\`. "Ends in `\`" is read character
+    /// by character under the ANSI code page, and the comparison folds A to Z byte by byte as the
+    /// runtime's `_strlwr` does in the "C" locale. When the computer's name cannot be had, the name
+    /// is `localhost`. On POSIX the drive types, network names, shares and computer name come from
+    /// the mounts, the prefix's `shares` file, Samba's configuration and the host name.
+    static _SS<char> ToUNC(const _SS<char>& path);
+
 protected:
+    /// The conversion behind ToUNC.
+    static _SS<char> W32ConvertToUNCPath(const _SS<char>& path);
+
     /// The route of Split for paths of 255 bytes or more, which the runtime's buffers can't take:
     /// the drive from the runtime, the rest cut byte by byte without regard to the code page.
     static bool SlowSplit(const _SS<char>& path, _SS<char>* pDrive, _SS<char>* pDirectory, _SS<char>* pName,
                           _SS<char>* pExtension);
 };
+
+/// The full path of the sibling module "YXKernel.dll" when the process has loaded it (nothing is
+/// loaded here): true and the path in @p path; else false, and @p path keeps its text. On POSIX
+/// the module is the shared object `libYXKernel.so` (or `YXKernel.so`, or a versioned form of
+/// either, without regard to case), and the path is its POSIX path.
+YXTOOLS_API bool Path_GetFromKernel(_SS<char>& path);
 
 #endif

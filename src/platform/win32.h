@@ -15,6 +15,9 @@
 #define NOMINMAX
 #endif
 #include <windows.h>
+// Network names (mpr) and shares (netapi32).
+#include <lm.h>
+#include <winnetwk.h>
 // The runtime's _vsnprintf (msvcrt.dll), with its -1 when the text does not fit. mingw-w64's own
 // C99 formatter (__USE_MINGW_ANSI_STDIO) takes over the standard names only, never this one.
 #include <cstdio>

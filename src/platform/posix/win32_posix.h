@@ -203,6 +203,8 @@ YX_PLATFORM UINT GetProfileIntA(LPCSTR lpAppName, LPCSTR lpKeyName, INT nDefault
 #include "platform/posix/display/display_posix.h"
 // Critical sections, mutexes and threads.
 #include "platform/posix/sync/sync_posix.h"
+// Drive types, network names, shares, the computer's name and modules.
+#include "platform/posix/net/net_posix.h"
 // Movable memory. A fixed block's handle is its address; a movable block's handle is a token that
 // is never an address of its data, and the data may move while the block is not locked. Blocks
 // are tracked in one table, so a handle that is not a live block is refused with

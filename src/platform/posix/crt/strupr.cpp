@@ -10,3 +10,14 @@ char* _strupr(char* str)
     }
     return str;
 }
+
+// The runtime's _strlwr under the "C" locale: A to Z only.
+char* _strlwr(char* str)
+{
+    for (char* p = str; *p != '\0'; ++p) {
+        if (*p >= 'A' && *p <= 'Z') {
+            *p = static_cast<char>(*p - 'A' + 'a');
+        }
+    }
+    return str;
+}

@@ -453,6 +453,55 @@ int MultiByteToWideChar(UINT CodePage, DWORD dwFlags, LPCSTR lpMultiByteStr, int
     return count;
 }
 
+int WideCharToMultiByte(UINT CodePage, DWORD dwFlags, LPCWSTR lpWideCharStr, int cchWideChar, LPSTR lpMultiByteStr,
+                        int cbMultiByte, LPCSTR lpDefaultChar, BOOL* lpUsedDefaultChar)
+{
+    if (lpWideCharStr == nullptr || cchWideChar == 0 || cbMultiByte < 0 ||
+        (lpMultiByteStr == nullptr && cbMultiByte != 0) || (CodePage != CP_ACP && CodePage != GetACP())) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return 0;
+    }
+    if (dwFlags != 0 || lpDefaultChar != nullptr || lpUsedDefaultChar != nullptr) {
+        // The library asks for the plain conversion only.
+        SetLastError(ERROR_INVALID_FLAGS);
+        return 0;
+    }
+    std::size_t length = 0;
+    if (cchWideChar < 0) {
+        while (lpWideCharStr[length] != u'\0') {
+            ++length;
+        }
+    } else {
+        length = static_cast<std::size_t>(cchWideChar);
+    }
+    std::u16string wide(lpWideCharStr, length);
+    // The terminator and any zero inside pass through as zero bytes.
+    std::string text;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i <= wide.size(); ++i) {
+        if (i == wide.size() || wide[i] == u'\0') {
+            text += yx::platform::WideToAnsi(wide.substr(start, i - start));
+            if (i < wide.size()) {
+                text.push_back('\0');
+            }
+            start = i + 1;
+        }
+    }
+    if (cchWideChar < 0) {
+        text.push_back('\0');
+    }
+    const int count = static_cast<int>(text.size());
+    if (cbMultiByte == 0) {
+        return count;
+    }
+    if (count > cbMultiByte) {
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+        return 0;
+    }
+    std::copy(text.begin(), text.end(), lpMultiByteStr);
+    return count;
+}
+
 int LCMapStringA(LCID Locale, DWORD dwMapFlags, LPCSTR lpSrcStr, int cchSrc, LPSTR lpDestStr, int cchDest)
 {
     if (lpSrcStr == nullptr || cchSrc == 0 || cchDest < 0 || (lpDestStr == nullptr && cchDest != 0)) {
