@@ -47,9 +47,8 @@ std::string Model(const std::string& path, const unc_fake::Facts& facts)
         return remote == facts.remote.end() ? path : remote->second + path.substr(2);
     }
     const std::size_t lastSeparator = path.find_last_of("\\/");
-    const std::string folder = lastSeparator == std::string::npos || lastSeparator < 2
-                                   ? path.substr(0, 2)
-                                   : path.substr(0, lastSeparator + 1);
+    const std::string folder =
+        lastSeparator == std::string::npos || lastSeparator < 2 ? path.substr(0, 2) : path.substr(0, lastSeparator + 1);
     const std::string rest = path.substr(folder.size());
     const std::string search = Lower(folder);
     std::string result = path;

@@ -93,8 +93,8 @@ _SS<char> LocalShares(const _SS<char>& path, const _SS<char>& drive, const _SS<c
 
 const UncPlatform& Win32UncPlatform()
 {
-    static const UncPlatform platform{&::GetDriveTypeA, &::WNetGetUniversalNameA, &::NetShareEnum,
-                                      &::NetApiBufferFree, &::GetComputerNameA};
+    static const UncPlatform platform{&::GetDriveTypeA, &::WNetGetUniversalNameA, &::NetShareEnum, &::NetApiBufferFree,
+                                      &::GetComputerNameA};
     return platform;
 }
 

@@ -26,11 +26,11 @@ struct Share {
 };
 
 struct Facts {
-    std::map<char, UINT> driveTypes;     // upper-case letter; a letter not listed is DRIVE_NO_ROOT_DIR
-    std::map<char, std::string> remote;  // network names; a letter not listed is refused
+    std::map<char, UINT> driveTypes;    // upper-case letter; a letter not listed is DRIVE_NO_ROOT_DIR
+    std::map<char, std::string> remote; // network names; a letter not listed is refused
     std::vector<Share> shares;
-    std::size_t batch = SIZE_MAX;        // entries per call
-    int refuseCall = -1;                 // the enumeration call (0 first) that fails
+    std::size_t batch = SIZE_MAX; // entries per call
+    int refuseCall = -1;          // the enumeration call (0 first) that fails
     std::string computer = "HOST";
     bool computerFails = false;
     // What the route did.

@@ -105,8 +105,8 @@ TEST(UncRoute, BatchesCompeteForTheBestLength)
 TEST(UncRoute, SkipsAllButDiskSharesAndEmptyPaths)
 {
     auto& facts = Example();
-    facts.shares = {{"ipc", "", STYPE_IPC, true},     {"printer", "C:\\data", STYPE_PRINTQ},
-                    {"admin", "C:\\data", STYPE_SPECIAL}, {"empty", ""},
+    facts.shares = {{"ipc", "", STYPE_IPC, true},           {"printer", "C:\\data", STYPE_PRINTQ},
+                    {"admin", "C:\\data", STYPE_SPECIAL},   {"empty", ""},
                     {"nullpath", "", STYPE_DISKTREE, true}, {"device", "C:\\data", STYPE_DEVICE}};
     EXPECT_EQ(Convert("C:\\data\\a.txt"), "C:\\data\\a.txt");
     facts.shares.push_back({"root", "C:\\"});

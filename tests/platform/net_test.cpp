@@ -47,9 +47,11 @@ TEST(NetContract, WNetGetUniversalNameAOnALocalDrive)
 {
     char buffer[260];
     DWORD size = sizeof buffer;
-    EXPECT_EQ(WNetGetUniversalNameA("C:", REMOTE_NAME_INFO_LEVEL, buffer, &size), static_cast<DWORD>(ERROR_NOT_CONNECTED));
+    EXPECT_EQ(WNetGetUniversalNameA("C:", REMOTE_NAME_INFO_LEVEL, buffer, &size),
+              static_cast<DWORD>(ERROR_NOT_CONNECTED));
     size = sizeof buffer;
-    EXPECT_EQ(WNetGetUniversalNameA("Q:", REMOTE_NAME_INFO_LEVEL, buffer, &size), static_cast<DWORD>(ERROR_NOT_CONNECTED));
+    EXPECT_EQ(WNetGetUniversalNameA("Q:", REMOTE_NAME_INFO_LEVEL, buffer, &size),
+              static_cast<DWORD>(ERROR_NOT_CONNECTED));
 }
 
 TEST(NetContract, GetComputerNameA)
@@ -176,8 +178,10 @@ TEST_F(NetStandIn, DriveTypesFromTheMountTable)
     EXPECT_EQ(WNetGetUniversalNameA("X:", REMOTE_NAME_INFO_LEVEL, buffer, &size), static_cast<DWORD>(ERROR_MORE_DATA));
     EXPECT_EQ(size, sizeof(REMOTE_NAME_INFOA) + 2 * sizeof("\\\\server\\share\\sub") + 1);
     size = sizeof buffer;
-    EXPECT_EQ(WNetGetUniversalNameA("D:", REMOTE_NAME_INFO_LEVEL, buffer, &size), static_cast<DWORD>(ERROR_NOT_CONNECTED));
-    EXPECT_EQ(WNetGetUniversalNameA("\\a", REMOTE_NAME_INFO_LEVEL, buffer, &size), static_cast<DWORD>(ERROR_BAD_DEVICE));
+    EXPECT_EQ(WNetGetUniversalNameA("D:", REMOTE_NAME_INFO_LEVEL, buffer, &size),
+              static_cast<DWORD>(ERROR_NOT_CONNECTED));
+    EXPECT_EQ(WNetGetUniversalNameA("\\a", REMOTE_NAME_INFO_LEVEL, buffer, &size),
+              static_cast<DWORD>(ERROR_BAD_DEVICE));
 }
 
 std::string Narrow(const WCHAR* wide)
@@ -198,18 +202,16 @@ TEST_F(NetStandIn, SharesFromEachSourceInOrderAndInBatches)
     std::filesystem::create_directories(m_folder.Native("c/srv/pub"));
     std::filesystem::create_directories(m_folder.Native("elsewhere"));
     std::ofstream(m_prefix / "shares") << "# name|path|type\nroot|C:\\\nadmin$|C:\\|0x80000000\n\nbad|C:\\|x\n";
-    std::ofstream(m_prefix / "smb.conf") << "[global]\n  workgroup = W\n[Pub]\n  path = " << Canonical("c/srv/pub")
-                                         << "\n[lp]\n  printable = yes\n  path = /nonexistent-spool\n[hidden$]\n  path = "
-                                         << Canonical("elsewhere") << "\n[ROOT]\n  path = /\n[off]\n path = /\n"
-                                         << " available = no\n";
+    std::ofstream(m_prefix / "smb.conf")
+        << "[global]\n  workgroup = W\n[Pub]\n  path = " << Canonical("c/srv/pub")
+        << "\n[lp]\n  printable = yes\n  path = /nonexistent-spool\n[hidden$]\n  path = " << Canonical("elsewhere")
+        << "\n[ROOT]\n  path = /\n[off]\n path = /\n"
+        << " available = no\n";
     std::filesystem::create_directories(m_prefix / "usershares");
     std::ofstream(m_prefix / "usershares" / "music") << "path=" << Canonical("c/srv") << "\nsharename=Music\n";
-    const char* expected[][3] = {{"root", "C:\\", "0"},
-                                 {"admin$", "C:\\", "2147483648"},
-                                 {"Pub", "C:\\srv\\pub", "0"},
-                                 {"lp", "\\\\?\\unix\\nonexistent-spool", "1"},
-                                 {"hidden$", "", "2147483648"},
-                                 {"Music", "C:\\srv", "0"}};
+    const char* expected[][3] = {{"root", "C:\\", "0"},         {"admin$", "C:\\", "2147483648"},
+                                 {"Pub", "C:\\srv\\pub", "0"},  {"lp", "\\\\?\\unix\\nonexistent-spool", "1"},
+                                 {"hidden$", "", "2147483648"}, {"Music", "C:\\srv", "0"}};
     // The scratch folder is the prefix's drive T:, so a path in it is written on T:.
     const std::string hidden = "T:\\root\\elsewhere";
     for (const DWORD preferred : {MAX_PREFERRED_LENGTH, 1U}) {

@@ -32,8 +32,8 @@ int Drives(cli::Context& context)
     Print(context, "computer: %s", f["computer"].get<std::string>().c_str());
     for (const auto& drive : f["drives"]) {
         Print(context, "%s  %d %-17s %-13s -> %s", drive["letter"].get<std::string>().c_str(), drive["type"].get<int>(),
-                     drive["type_name"].get<std::string>().c_str(), drive["route"].get<std::string>().c_str(),
-                     drive["target"].get<std::string>().c_str());
+              drive["type_name"].get<std::string>().c_str(), drive["route"].get<std::string>().c_str(),
+              drive["target"].get<std::string>().c_str());
         if (drive.contains("remote_name")) {
             Print(context, "    remote name %s", drive["remote_name"].get<std::string>().c_str());
         }
@@ -43,8 +43,8 @@ int Drives(cli::Context& context)
     for (const auto& share : f["shares"]) {
         const std::string path = share["path"].is_null() ? "(no path)" : share["path"].get<std::string>();
         Print(context, "  %-12s type 0x%08lX %-40s %s", share["name"].get<std::string>().c_str(),
-                     share["type"].get<unsigned long>(), path.c_str(),
-                     share["considered"].get<bool>() ? "considered" : "skipped");
+              share["type"].get<unsigned long>(), path.c_str(),
+              share["considered"].get<bool>() ? "considered" : "skipped");
     }
     for (const std::string& problem : facts.problems) {
         Print(context, "problem: %s", problem.c_str());

@@ -41,8 +41,8 @@ int Unc(cli::Context& context, const std::string& path)
     context.Line("%s", result.c_str());
     context.Line("route: %s", why.c_str());
     if (!converted) {
-        context.Line("unchanged: %s", YXPath::IsUNCPath(path.c_str()) ? "nothing to convert"
-                                                                      : "no network name and no share covers it");
+        context.Line("unchanged: %s",
+                     YXPath::IsUNCPath(path.c_str()) ? "nothing to convert" : "no network name and no share covers it");
     }
     return converted || YXPath::IsUNCPath(path.c_str()) ? 0 : 1;
 }

@@ -177,8 +177,8 @@ DriveFacts CollectDriveFacts()
         if (!fact.remoteName.empty()) {
             drive["remote_name"] = Utf8(fact.remoteName);
         } else if (fact.type == 4) {
-            out.problems.push_back("drive " + device + " is on a network mount whose source names no share: " +
-                                   fact.mount.source);
+            out.problems.push_back("drive " + device +
+                                   " is on a network mount whose source names no share: " + fact.mount.source);
         }
         if (fact.folder.empty()) {
             out.problems.push_back("drive " + device + " links to nothing (" + fact.target + ")");

@@ -86,8 +86,9 @@ HMODULE GetModuleHandleA(LPCSTR lpModuleName)
             auto* s = static_cast<Search*>(data);
             // The first object is the program, with an empty name.
             const bool program = info->dlpi_name == nullptr || info->dlpi_name[0] == '\0';
-            if (s->asked.empty() ? program
-                                 : !program && Stands(info->dlpi_name, s->stem.empty() ? s->asked : s->stem, s->asked)) {
+            if (s->asked.empty()
+                    ? program
+                    : !program && Stands(info->dlpi_name, s->stem.empty() ? s->asked : s->stem, s->asked)) {
                 s->handle = ImageStart(info);
                 s->found = true;
                 return 1;

@@ -89,8 +89,8 @@ std::string NetworkName(const std::string& source)
     std::string rest;
     if (source.size() > 2 && (source.compare(0, 2, "//") == 0 || source.compare(0, 2, "\\\\") == 0)) {
         rest = source.substr(2);
-    } else if (const std::size_t colon = source.find(":/"); colon != std::string::npos && colon > 0 &&
-                                                           source.find('/') > colon) {
+    } else if (const std::size_t colon = source.find(":/");
+               colon != std::string::npos && colon > 0 && source.find('/') > colon) {
         rest = source.substr(0, colon) + source.substr(colon + 1);
     } else {
         return {};

@@ -7,7 +7,7 @@
 // | drive letters     | the links <prefix>/dosdevices/<letter>: (the resolver) | YXTOOLS_PREFIX         |
 // | mounts            | /proc/self/mounts                                     | YXTOOLS_MOUNTS         |
 // | removable devices | /sys/class/block/<device>/removable                   | YXTOOLS_SYSFS (/sys)   |
-// | shares            | <prefix>/shares, then Samba's smb.conf, then usershares | YXTOOLS_SMB_CONF, YXTOOLS_USERSHARES |
+// | shares            | <prefix>/shares, smb.conf, usershares                  | YXTOOLS_SMB_CONF, YXTOOLS_USERSHARES |
 // | computer name     | the host name                                         | YXTOOLS_COMPUTERNAME   |
 //
 // The shares file of the prefix holds one share a line, in UTF-8: NAME|PATH|TYPE, where PATH is a
@@ -38,11 +38,11 @@ struct Mount {
 YX_PLATFORM std::vector<Mount> ReadMounts(std::string* problem);
 
 struct DriveFact {
-    char letter = 'C';      // upper case
-    std::string link;       // <prefix>/dosdevices/<letter>:
-    bool linked = false;    // the link is there
-    std::string target;     // what the link holds
-    std::string folder;     // the folder it leads to, all links followed; empty: nothing
+    char letter = 'C';   // upper case
+    std::string link;    // <prefix>/dosdevices/<letter>:
+    bool linked = false; // the link is there
+    std::string target;  // what the link holds
+    std::string folder;  // the folder it leads to, all links followed; empty: nothing
     UINT type = DRIVE_NO_ROOT_DIR;
     std::string why;        // where the type came from, for people
     Mount mount;            // the mount the folder lies on (empty when none)
@@ -52,11 +52,11 @@ struct DriveFact {
 YX_PLATFORM DriveFact Drive(char letter);
 
 struct ShareFact {
-    std::string name;      // UTF-8
-    std::string path;      // UTF-8, a Windows path; empty with noPath
-    bool noPath = false;   // the share has no path (a print queue)
+    std::string name;    // UTF-8
+    std::string path;    // UTF-8, a Windows path; empty with noPath
+    bool noPath = false; // the share has no path (a print queue)
     DWORD type = STYPE_DISKTREE;
-    std::string source;    // the file it came from
+    std::string source; // the file it came from
 };
 
 // Every share, in the order of the sources; what could not be read goes to *problems.

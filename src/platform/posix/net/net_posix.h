@@ -45,8 +45,7 @@ struct REMOTE_NAME_INFOA {
 // below the mount, then the path behind the drive. The record and its texts go into the caller's
 // buffer; a buffer too small gives ERROR_MORE_DATA and the size needed in *lpBufferSize. A drive
 // that is not a network drive gives ERROR_NOT_CONNECTED, a path without a drive ERROR_BAD_DEVICE.
-YX_PLATFORM DWORD WNetGetUniversalNameA(LPCSTR lpLocalPath, DWORD dwInfoLevel, LPVOID lpBuffer,
-                                        DWORD* lpBufferSize);
+YX_PLATFORM DWORD WNetGetUniversalNameA(LPCSTR lpLocalPath, DWORD dwInfoLevel, LPVOID lpBuffer, DWORD* lpBufferSize);
 
 using NET_API_STATUS = DWORD;
 using LMSTR = WCHAR*;
