@@ -10,7 +10,7 @@ set -euo pipefail
 
 packages=(g++ cmake make pkg-config googletest libgtest-dev libbenchmark-dev libicu-dev libsqlite3-dev
           libcli11-dev nlohmann-json3-dev jq dpkg-dev
-          clang-format clang-tidy)
+          clang-format clang-tidy doxygen)
 if [[ " $* " == *" windows "* ]]; then
   # wine64 holds the loader and the server; the wine, wineserver and wineboot commands are in wine,
   # which wine64 only recommends. Nothing else it recommends (fonts, graphics, sound) matters to

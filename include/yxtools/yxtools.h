@@ -1,4 +1,5 @@
-// Everything YXTools exports.
+/// @file
+/// Everything YXTools exports: include this header, or the header of one family.
 #ifndef YXTOOLS_YXTOOLS_H
 #define YXTOOLS_YXTOOLS_H
 

@@ -7,8 +7,8 @@
 // | drive letters     | the links <prefix>/dosdevices/<letter>: (the resolver) | YXTOOLS_PREFIX         |
 // | mounts            | /proc/self/mounts                                     | YXTOOLS_MOUNTS         |
 // | removable devices | /sys/class/block/<device>/removable                   | YXTOOLS_SYSFS (/sys)   |
-// | shares            | <prefix>/shares, then Samba's smb.conf, then usershares | YXTOOLS_SMB_CONF, YXTOOLS_USERSHARES
-// | | computer name     | the host name                                         | YXTOOLS_COMPUTERNAME   |
+// | shares            | <prefix>/shares, smb.conf, usershares                  | YXTOOLS_SMB_CONF, YXTOOLS_USERSHARES |
+// | computer name     | the host name                                         | YXTOOLS_COMPUTERNAME   |
 //
 // The shares file of the prefix holds one share a line, in UTF-8: NAME|PATH|TYPE, where PATH is a
 // Windows path ("C:\data") and TYPE a number (decimal or 0x..., 0 when left out: a disk share);
